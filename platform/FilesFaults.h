@@ -1,0 +1,22 @@
+// Fault injection for tests: makes the next calls of one system operation behind the file,
+// mapping and listing stand-ins fail as if the system had refused them.
+//
+// Armed per thread, so a test never disturbs work on another thread. Production code never
+// arms anything; an unarmed check costs one thread-local read.
+#pragma once
+
+enum class FileOperation {
+  OpenFile,       // the open of CreateFileA
+  MapView,        // the mmap of MapViewOfFile
+  OpenDirectory,  // the opening of the directory in FindFirstFileA
+  ReadDirectory,  // each read of a directory entry in FindFirstFileA
+  Count
+};
+
+// The next `count` calls of `operation` on this thread fail with errno `error`.
+void failNextFileOperations(FileOperation operation, int error, int count = 1);
+// Disarms every operation on this thread.
+void clearFileOperationFailures();
+
+// For the stand-ins: true (with errno set) when this call of `operation` is to fail.
+bool injectedFailure(FileOperation operation);

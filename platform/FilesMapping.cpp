@@ -1,0 +1,140 @@
+// Read-only shared mappings of whole files: mapping objects and the views made from them.
+#include "Files.h"
+
+#include "FilesFaults.h"
+#include "FilesHandles.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <map>
+#include <mutex>
+#include <new>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+namespace {
+
+// A mapping holds its own descriptor, so that it outlives the file handle it was made from,
+// as a Windows mapping does. The size is the file's when the mapping was created: a file
+// that grows later is not seen, one that shrinks faults past its end (FaultGuard.h).
+class MappingObject final : public HandleObject {
+public:
+  MappingObject(int fd, uint64_t size) : fd(fd), size(size) {}
+  UniqueFd fd;
+  const uint64_t size;
+};
+
+// munmap needs the length that UnmapViewOfFile isn't given, so each view's length is kept
+// by its base address.
+class ViewLengths {
+public:
+  void add(const void *base, size_t length) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    lengths_[base] = length;
+  }
+
+  // The length of the view at `base`, forgotten; 0 when there is no view there.
+  size_t take(const void *base) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    const auto found = lengths_.find(base);
+    if (found == lengths_.end())
+      return 0;
+    const size_t length = found->second;
+    lengths_.erase(found);
+    return length;
+  }
+
+private:
+  std::mutex mutex_;
+  std::map<const void *, size_t> lengths_;
+};
+
+ViewLengths &viewLengths() {
+  // Never destroyed: a view may still be released by another library's static destructor.
+  static ViewLengths *const lengths = new ViewLengths;
+  return *lengths;
+}
+
+}  // namespace
+
+HANDLE CreateFileMappingA(HANDLE fileHandle, SECURITY_ATTRIBUTES * /*security*/, DWORD protect,
+                          DWORD maximumSizeHigh, DWORD maximumSizeLow, const char *name) {
+  const FileObject *file = handleAs<FileObject>(fileHandle);
+  if (file == nullptr) {
+    SetLastError(ERROR_INVALID_HANDLE);
+    return nullptr;
+  }
+  if (protect != PAGE_READONLY || maximumSizeHigh != 0 || maximumSizeLow != 0 || name != nullptr) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return nullptr;
+  }
+  struct stat status;
+  if (::fstat(file->fd.get(), &status) != 0) {
+    SetLastError(errorFromErrno(errno));
+    return nullptr;
+  }
+  if (status.st_size == 0) {
+    SetLastError(ERROR_FILE_INVALID);
+    return nullptr;
+  }
+  UniqueFd fd(::fcntl(file->fd.get(), F_DUPFD_CLOEXEC, 0));
+  if (!fd.valid()) {
+    SetLastError(errorFromErrno(errno));
+    return nullptr;
+  }
+  auto *mapping = new (std::nothrow) MappingObject(fd.get(), static_cast<uint64_t>(status.st_size));
+  if (mapping == nullptr) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+  }
+  fd.release();
+  return toHandle(mapping);
+}
+
+void *MapViewOfFile(HANDLE mappingHandle, DWORD access, DWORD offsetHigh, DWORD offsetLow,
+                    size_t size) {
+  const MappingObject *mapping = handleAs<MappingObject>(mappingHandle);
+  if (mapping == nullptr) {
+    SetLastError(ERROR_INVALID_HANDLE);
+    return nullptr;
+  }
+  if (access != FILE_MAP_READ || offsetHigh != 0 || offsetLow != 0 || size > mapping->size) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return nullptr;
+  }
+  const uint64_t wanted = size != 0 ? size : mapping->size;
+  const auto length = static_cast<size_t>(wanted);
+  // On a 32-bit build a file of 4 GiB or more can't fit the address space.
+  if (length != wanted) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+  }
+  void *base = injectedFailure(FileOperation::MapView)
+                   ? MAP_FAILED
+                   : ::mmap(nullptr, length, PROT_READ, MAP_SHARED, mapping->fd.get(), 0);
+  if (base == MAP_FAILED) {
+    SetLastError(errorFromErrno(errno));
+    return nullptr;
+  }
+  viewLengths().add(base, length);
+  return base;
+}
+
+BOOL UnmapViewOfFile(const void *base) {
+  const size_t length = base != nullptr ? viewLengths().take(base) : 0;
+  if (length == 0) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+  }
+  if (::munmap(const_cast<void *>(base), length) != 0) {
+    SetLastError(errorFromErrno(errno));
+    return FALSE;
+  }
+  return TRUE;
+}
+
+void ScopedView::reset(const void *base) {
+  if (base_ != nullptr && base != base_)
+    UnmapViewOfFile(base_);
+  base_ = static_cast<const unsigned char *>(base);
+}

@@ -1,0 +1,103 @@
+// The per-thread module state: which state is current, how a scope restores it, and the
+// application object that a state names.
+#include "platform/Modules.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+namespace {
+
+CModule firstModule = {nullptr, &firstModule, nullptr};
+CModule secondModule = {nullptr, &secondModule, nullptr};
+
+// Runs `body` on a thread of its own and waits for it.
+template <typename Body> void onNewThread(Body body) {
+  std::thread thread(body);
+  thread.join();
+}
+
+TEST(ModuleState, AThreadStartsInADefaultStateThatNamesNothing) {
+  onNewThread([] {
+    const AFX_MODULE_STATE *state = AfxGetModuleState();
+    ASSERT_NE(state, nullptr);
+    EXPECT_EQ(state->m_hCurrentInstanceHandle, nullptr);
+    EXPECT_EQ(AfxGetResourceHandle(), nullptr);
+    EXPECT_EQ(AfxGetApp(), nullptr);
+  });
+}
+
+TEST(ModuleState, MaintainStateRestoresTheEarlierStateOnEveryScopeExit) {
+  AFX_MODULE_STATE outer = {&firstModule, &firstModule, nullptr};
+  AFX_MODULE_STATE inner = {&secondModule, &secondModule, nullptr};
+  AFX_MODULE_STATE *before = AfxGetModuleState();
+  {
+    AFX_MAINTAIN_STATE outerScope(&outer);
+    EXPECT_EQ(AfxGetModuleState(), &outer);
+    for (int pass = 0; pass < 2; ++pass) {
+      AFX_MAINTAIN_STATE innerScope(&inner);
+      EXPECT_EQ(AfxGetResourceHandle(), &secondModule);
+      if (pass == 0)
+        continue;  // leaving the scope early restores as well
+    }
+    EXPECT_EQ(AfxGetModuleState(), &outer);
+  }
+  EXPECT_EQ(AfxGetModuleState(), before);
+}
+
+TEST(ModuleState, EachThreadHasItsOwnCurrentAndDefaultState) {
+  AFX_MODULE_STATE mine = {&firstModule, &firstModule, nullptr};
+  AFX_MAINTAIN_STATE scope(&mine);
+  onNewThread([] {
+    EXPECT_EQ(AfxGetModuleState()->m_hCurrentInstanceHandle, nullptr);
+    // What this thread does to its default state stays with it.
+    AfxSetResourceHandle(&secondModule);
+    EXPECT_EQ(AfxGetResourceHandle(), &secondModule);
+  });
+  EXPECT_EQ(AfxGetModuleState(), &mine);
+  EXPECT_EQ(AfxGetResourceHandle(), &firstModule);
+  onNewThread([] { EXPECT_EQ(AfxGetResourceHandle(), nullptr); });
+}
+
+TEST(ModuleState, ResourceHandleAndApplicationAreThoseOfTheCurrentState) {
+  CWinApp app("test");
+  AFX_MODULE_STATE outer = {&firstModule, &firstModule, nullptr};
+  AFX_MODULE_STATE inner = {&secondModule, &secondModule, &app};
+  AFX_MAINTAIN_STATE outerScope(&outer);
+  {
+    AFX_MAINTAIN_STATE innerScope(&inner);
+    EXPECT_EQ(AfxGetApp(), &app);
+    AfxSetResourceHandle(&firstModule);
+    EXPECT_EQ(inner.m_hCurrentResourceHandle, &firstModule);
+  }
+  EXPECT_EQ(AfxGetApp(), nullptr);
+  EXPECT_EQ(outer.m_hCurrentResourceHandle, &firstModule);
+  AfxSetResourceHandle(&secondModule);
+  EXPECT_EQ(outer.m_hCurrentResourceHandle, &secondModule);
+  EXPECT_EQ(inner.m_hCurrentResourceHandle, &firstModule);
+}
+
+// An application that replaces the help file path, as the agent's does.
+class HelpfulApp : public CWinApp {
+public:
+  HelpfulApp() : CWinApp("helpful") {
+    std::free(const_cast<char *>(m_pszHelpFilePath));
+    m_pszHelpFilePath = strdup("/opt/help/mail.hlp");
+  }
+};
+
+TEST(WinApp, HelpFilePathIsAPrivateHeapStringTheDestructorFrees) {
+  CWinApp first, second("second");
+  ASSERT_NE(first.m_pszHelpFilePath, nullptr);
+  EXPECT_STREQ(first.m_pszHelpFilePath, "");
+  EXPECT_NE(first.m_pszHelpFilePath, second.m_pszHelpFilePath);
+  EXPECT_EQ(first.m_pszAppName, nullptr);
+  EXPECT_STREQ(second.m_pszAppName, "second");
+  // The leak checker of a sanitised build tells whether the replaced path is freed.
+  HelpfulApp helpful;
+  EXPECT_STREQ(helpful.m_pszHelpFilePath, "/opt/help/mail.hlp");
+}
+
+}  // namespace

@@ -1,0 +1,81 @@
+// The resource compiler refuses bad scripts with the file and line of the fault and writes
+// nothing then. (What it compiles is checked through the tables it made for the build.)
+#include "tests/support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <sys/wait.h>
+
+namespace {
+
+struct RcgenRun {
+  int exitStatus;
+  std::string errors;
+  bool wroteOutput;
+};
+
+RcgenRun runRcgen(const TempDir &dir, const std::string &script) {
+  writeFile(dir.file("test.rc"), script);
+  const std::string command = std::string("'") + TUK_RCGEN + "' --symbol table --output '" +
+                              dir.file("out.cpp") + "' '" + dir.file("test.rc") + "' 2>'" +
+                              dir.file("errors.txt") + "'";
+  const int status = std::system(command.c_str());
+  return RcgenRun{WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(dir.file("errors.txt")),
+                  fileExists(dir.file("out.cpp"))};
+}
+
+TEST(Rcgen, CompilesAScriptThatUsesAHeader) {
+  TempDir dir;
+  writeFile(dir.file("ids.h"),
+            "// ids\n#define IDS_ONE 1 // the first\n#define IDS_TWO (IDS_ONE + 1)\n");
+  const RcgenRun run =
+      runRcgen(dir, "#include \"ids.h\"\nSTRINGTABLE { IDS_TWO \"b\" IDS_ONE, \"a\" }\n");
+  EXPECT_EQ(run.exitStatus, 0) << run.errors;
+  EXPECT_TRUE(run.wroteOutput);
+}
+
+TEST(Rcgen, BadScriptsFailWithFileAndLine) {
+  const struct {
+    const char *script;
+    const char *header;  // ids.h, when the case needs one
+    const char *where;
+    const char *message;
+  } cases[] = {
+      {"STRINGTABLE\nBEGIN\n  1 \"ok\"\n  2 \"open\nEND\n", nullptr,
+       "test.rc:4: ", "unterminated string"},
+      {"STRINGTABLE\nBEGIN\n  1 \"a\\qb\"\nEND\n", nullptr, "test.rc:3: ", "unknown escape"},
+      {"/* never closed\n\n", nullptr, "test.rc:1: ", "unterminated comment"},
+      {"\nICONS\n", nullptr, "test.rc:2: ", "unknown keyword 'ICONS'"},
+      {"1 DIALOG 0, 0, 10, 10\nBEGIN\n  LISTBOX 5, 1, 1, 1, 1\nEND\n", nullptr,
+       "test.rc:3: ", "unknown keyword 'LISTBOX'"},
+      {"1 DIALOG 0, 0, 10, 10\nMENU 3\nBEGIN\nEND\n", nullptr,
+       "test.rc:2: ", "unknown keyword 'MENU'"},
+      {"STRINGTABLE\nBEGIN\n  7 \"a\"\n  7 \"b\"\nEND\n", nullptr,
+       "test.rc:4: ", "duplicate string id 7"},
+      {"1 DIALOG 0,0,1,1\nBEGIN\nEND\n1 DIALOGEX 0,0,1,1\nBEGIN\nEND\n", nullptr,
+       "test.rc:4: ", "duplicate dialog id 1"},
+      {"STRINGTABLE\nBEGIN\n  IDS_NOWHERE \"x\"\nEND\n", nullptr,
+       "test.rc:3: ", "undefined name 'IDS_NOWHERE'"},
+      {"#include \"ids.h\"\nSTRINGTABLE { IDS_BAD \"x\" }\n", "\n#define IDS_BAD OOPS\n",
+       "ids.h:2: ", "undefined name 'OOPS'"},
+      {"#include \"missing.h\"\n", nullptr, "test.rc:1: ", "cannot open include file"},
+      {"STRINGTABLE\nBEGIN\n  1 \"a\"\n", nullptr, "test.rc:4: ", "STRINGTABLE without END"},
+      {"STRINGTABLE { 70000 \"a\" }\n", nullptr, "test.rc:1: ", "string id out of range"},
+      {"1 DIALOG 0, 0, 10, 10\nBEGIN\n  EDITTEXT 5, 1, 1, 1 1\nEND\n", nullptr,
+       "test.rc:3: ", "expected ','"},
+  };
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.script);
+    TempDir dir;
+    if (c.header != nullptr)
+      writeFile(dir.file("ids.h"), c.header);
+    const RcgenRun run = runRcgen(dir, c.script);
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_NE(run.errors.find(std::string(c.where) + c.message), std::string::npos) << run.errors;
+    EXPECT_FALSE(run.wroteOutput);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+// Files and folders for tests.
+#include "tests/support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <ftw.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+TempDir::TempDir() {
+  const char *base = std::getenv("TMPDIR");
+  std::string pattern = std::string(base && *base ? base : "/tmp") + "/tuk-test-XXXXXX";
+  if (mkdtemp(pattern.data()) == nullptr)
+    ADD_FAILURE() << "mkdtemp: " << std::strerror(errno);
+  path_ = pattern;
+}
+
+static int removeEntry(const char *path, const struct stat *, int, struct FTW *) {
+  // Folders a test made unreadable must be readable again to be removed.
+  chmod(path, 0700);
+  return ::remove(path);
+}
+
+TempDir::~TempDir() {
+  if (path_.empty())
+    return;
+  // Restore permissions top-down first so that the depth-first removal can enter everything.
+  nftw(path_.c_str(), [](const char *p, const struct stat *s, int type, struct FTW *) {
+         if (type == FTW_D || type == FTW_DNR)
+           chmod(p, 0700);
+         (void)s;
+         return 0;
+       }, 32, FTW_PHYS);
+  nftw(path_.c_str(), removeEntry, 32, FTW_DEPTH | FTW_PHYS);
+}
+
+std::string TempDir::file(const std::string &relative) const { return path_ + "/" + relative; }
+
+void makeDirs(const std::string &path) {
+  std::string partial;
+  std::stringstream parts(path);
+  std::string part;
+  if (!path.empty() && path[0] == '/')
+    partial = "/";
+  while (std::getline(parts, part, '/')) {
+    if (part.empty())
+      continue;
+    partial += part + "/";
+    if (mkdir(partial.c_str(), 0755) != 0 && errno != EEXIST)
+      ADD_FAILURE() << "mkdir " << partial << ": " << std::strerror(errno);
+  }
+}
+
+static void writeWithMode(const std::string &path, const std::string &bytes,
+                          std::ios::openmode mode) {
+  const size_t slash = path.rfind('/');
+  if (slash != std::string::npos && slash > 0)
+    makeDirs(path.substr(0, slash));
+  std::ofstream out(path, mode | std::ios::binary);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (!out)
+    ADD_FAILURE() << "cannot write " << path;
+}
+
+void writeFile(const std::string &path, const std::string &bytes) {
+  writeWithMode(path, bytes, std::ios::trunc);
+}
+
+void appendFile(const std::string &path, const std::string &bytes) {
+  writeWithMode(path, bytes, std::ios::app);
+}
+
+std::string readFile(const std::string &path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+bool fileExists(const std::string &path) {
+  struct stat status;
+  return ::stat(path.c_str(), &status) == 0;
+}
+
+void setFileTime(const std::string &path, long seconds) {
+  struct timeval times[2] = {{seconds, 0}, {seconds, 0}};
+  if (utimes(path.c_str(), times) != 0)
+    ADD_FAILURE() << "utimes " << path << ": " << std::strerror(errno);
+}

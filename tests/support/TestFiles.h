@@ -1,0 +1,28 @@
+// Files and folders for tests: a temporary folder that removes itself, and whole-file I/O.
+#pragma once
+
+#include <string>
+
+class TempDir {
+public:
+  TempDir();
+  TempDir(const TempDir &) = delete;
+  TempDir &operator=(const TempDir &) = delete;
+  ~TempDir();
+
+  const std::string &path() const { return path_; }
+  // path() + "/" + relative
+  std::string file(const std::string &relative) const;
+
+private:
+  std::string path_;
+};
+
+// Writes `bytes` to `path`, making missing parent folders. Fails the test on error.
+void writeFile(const std::string &path, const std::string &bytes);
+void appendFile(const std::string &path, const std::string &bytes);
+std::string readFile(const std::string &path);
+bool fileExists(const std::string &path);
+void makeDirs(const std::string &path);
+// Sets the file's last-write time, in seconds since 1970.
+void setFileTime(const std::string &path, long seconds);
