@@ -1,0 +1,115 @@
+// CMHAgent: opening objects, the names and extensions of a client, and what an agent does
+// before its settings and viewer exist.
+#include "agent/Agent.h"
+
+#include "agent/Log.h"
+#include "cmn/Registry.h"
+#include "store/MailFile.h"
+#include "store/MailInd.h"
+#include "store/MailMsg.h"
+#include "store/MailProps.h"
+
+#include <ctime>
+
+AGENT_LOG_SOURCE(".\\Agent");
+
+CString nameScratch;
+
+CMHAgent::~CMHAgent() {
+  // The last resort owner of a search the host never closed.
+  if (mailIndex) {
+    AGENT_LOG(" and deleting mail index\n");
+    delete mailIndex;
+  }
+}
+
+int32_t messageTime(const CMailMsg &message) {
+  int32_t day, month, year, hour, minute, second;
+  message.getDateFields(&day, &month, &year, &hour, &minute, &second);
+  struct tm fields = {};
+  fields.tm_mday = day;
+  fields.tm_mon = month;
+  fields.tm_year = year;
+  fields.tm_hour = hour;
+  fields.tm_min = minute;
+  fields.tm_sec = second;
+  // Nothing in a message says whether daylight saving was in force: let mktime decide.
+  fields.tm_isdst = -1;
+  return static_cast<int32_t>(static_cast<uint32_t>(std::mktime(&fields)));
+}
+
+int32_t CMHAgent::openObject(AgentHandle *object, const ObjectRecord *record, int32_t *time) {
+  std::unique_ptr<CMailFile> mailFile = newMailFile();
+  const CString path(record->path);
+  if (mailFile->init(path) < 0) {
+    AGENT_LOG("Couldn't initialise mailFile\n");
+    return StatusMailFileFailed;
+  }
+  std::unique_ptr<CMailMsg> message = mailFile->getMsgAt(record->offset, record->length);
+  if (!message) {
+    AGENT_LOG("Couldn't get message from mailFile.                    Offset: %d, Size: %d\n",
+              static_cast<int>(record->offset), static_cast<int>(record->length));
+    *object = AGENT_INVALID_HANDLE;
+    return StatusOpenFailed;
+  }
+  if (!message->verifyChecksum(record->checksum)) {
+    AGENT_LOG("Checksums didn't verify\n");
+    *object = AGENT_INVALID_HANDLE;
+    return StatusOpenFailed;
+  }
+  if (time)
+    *time = messageTime(*message);
+  *object = reinterpret_cast<AgentHandle>(message.release());
+  return StatusOk;
+}
+
+int32_t CMHAgent::getAgentName(const char *agentKey, const char **name) {
+  nameScratch.LoadString(traits_.displayNameId);
+  *name = nameScratch.GetString();
+  agentKeyName = agentKey;
+  return 0;
+}
+
+int32_t CMHAgent::getFileExtensions(CString &mailExt, CString &ctrlExt) {
+  mailExt = traits_.defaultMailExt;
+  ctrlExt = traits_.defaultCtrlExt;
+  GetRegValue(agentKeyName, mailFileExtName, mailExt);
+  GetRegValue(agentKeyName, ctrlFileExtName, ctrlExt);
+  AGENT_LOG("Mail file ext is %s\n", mailExt.GetString());
+  AGENT_LOG("Ctrl file ext is %s\n", ctrlExt.GetString());
+  return 2;
+}
+
+int32_t CMHAgent::getPropertyTemplates(void *buffer, uint32_t capacity, uint32_t *needed,
+                                       uint32_t *count) {
+  return getPropertyNames(buffer, capacity, needed, count);
+}
+
+// The settings page and the viewer come later; meanwhile the page is absent, a check lets the
+// host go on, and no icon is known.
+int32_t CMHAgent::propPageInit(AgentHandle, uint32_t, AgentHandle *pageWindow) {
+  *pageWindow = 0;
+  return 0;
+}
+
+int32_t CMHAgent::Validate(int32_t) { return 1; }
+
+void CMHAgent::propPageFocus() {}
+
+int32_t CMHAgent::propPageClose() { return 0; }
+
+int32_t CMHAgent::getObjectIcon(uint32_t, int32_t *smallIconOut, int32_t *largeIconOut) {
+  *smallIconOut = smallIcon;
+  *largeIconOut = largeIcon;
+  return 0;
+}
+
+int32_t CMHAgent::RunObject(const ObjectRecord *record) {
+  AGENT_LOG("RunObject called");
+  std::unique_ptr<CMailFile> mailFile = newMailFile();
+  if (mailFile->init(CString(record->path)) < 0) {
+    AGENT_LOG("Couldn't initialise mailFile\n");
+    return StatusOpenFailed;
+  }
+  return StatusOk;
+}

@@ -1,0 +1,20 @@
+// The Eudora agent.
+#include "agent/EudAgent.h"
+
+#include "agent/Log.h"
+#include "resources/resource.h"
+#include "store/MailHeaders.h"
+
+AGENT_LOG_SOURCE(".\\EudAgent");
+
+static const ClientTraits eudoraTraits = {IDS_EUDORA_NAME, ".MBX", ".TOC"};
+
+CEudoraAgent::CEudoraAgent(const CString &language, const char *agentKey)
+    : CClientAgent(eudoraTraits) {
+  loadStatics(language, agentKey);
+}
+
+int32_t CEudoraAgent::openObject(AgentHandle *object, const ObjectRecord *record, int32_t *time) {
+  AGENT_LOG("Opening file %s", record->path);
+  return CMHAgent::openObject(object, record, time);
+}

@@ -1,0 +1,11 @@
+// The Internet Mail agent.
+#include "agent/IMAgent.h"
+
+#include "resources/resource.h"
+#include "store/MailHeaders.h"
+
+static const ClientTraits internetMailTraits = {IDS_INTERNET_NAME, "", ".SNM"};
+
+CInternetMailAgent::CInternetMailAgent(const CString &language, const char *agentKey) : CClientAgent(internetMailTraits) {
+  loadStatics(language, agentKey);
+}

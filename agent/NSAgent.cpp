@@ -1,0 +1,11 @@
+// The Netscape agent.
+#include "agent/NSAgent.h"
+
+#include "resources/resource.h"
+#include "store/MailHeaders.h"
+
+static const ClientTraits netscapeTraits = {IDS_NETSCAPE_NAME, "", ".SNM"};
+
+CNetscapeAgent::CNetscapeAgent(const CString &language, const char *agentKey) : CClientAgent(netscapeTraits) {
+  loadStatics(language, agentKey);
+}

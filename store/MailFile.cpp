@@ -1,0 +1,153 @@
+// CMailFile: mapping a mailbox, framing it, and building its messages.
+#include "store/MailFile.h"
+
+#include "agent/Log.h"
+#include "platform/FaultGuard.h"
+#include "platform/FileStatus.h"
+#include "store/MailMsg.h"
+
+#include <cstring>
+
+AGENT_LOG_SOURCE(".\\MailFile");
+
+int CMailFile::setDelimiter(const void *bytes, uint32_t length, uint32_t capacity) {
+  MallocPtr<unsigned char> buffer(static_cast<unsigned char *>(std::malloc(capacity)));
+  if (!buffer)
+    return -1;
+  std::memcpy(buffer.get(), bytes, length);
+  std::memset(buffer.get() + length, 0, capacity - length);
+  delimiter = std::move(buffer);
+  delimiterLength = length;
+  return 0;
+}
+
+int CMailFile::setMailbox(const CString &name) {
+  mailboxChanged();
+  if (isOpen())
+    unmapFile();
+  if (name.IsEmpty())
+    return 0;
+  if (mapFile(name) < 0)
+    return -1;
+  fileName = name;
+  msgOffset = 0;
+  msgLength = 0;
+  return 0;
+}
+
+int CMailFile::mapFile(const CString &name) {
+  fileHandle.reset(CreateFileA(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!fileHandle.valid()) {
+    AGENT_LOG("Failed opening %s: %d\n", name.GetString(), static_cast<int>(GetLastError()));
+    mapBase.reset();
+    return -1;
+  }
+  fileSize = GetFileSize(fileHandle.get(), nullptr);
+  mappingHandle.reset(CreateFileMappingA(fileHandle.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
+  if (!mappingHandle.valid()) {
+    const DWORD error = GetLastError();
+    fileHandle.reset();
+    mapBase.reset();
+    AGENT_LOG("Failed creating file mapping for file %s.  Error: %d", name.GetString(),
+              static_cast<int>(error));
+    return -1;
+  }
+  mapBase.reset(MapViewOfFile(mappingHandle.get(), FILE_MAP_READ, 0, 0, 0));
+  if (!mapBase.get()) {
+    mappingHandle.reset();
+    fileHandle.reset();
+    return -1;
+  }
+  return 0;
+}
+
+void CMailFile::unmapFile() {
+  mapBase.reset();
+  mappingHandle.reset();
+  fileHandle.reset();
+}
+
+std::unique_ptr<CMailMsg> CMailFile::buildMessage(uint32_t offset, uint32_t length) {
+  std::unique_ptr<CMailMsg> message = newMessage();
+  if (message->init(mapBase.get() + offset, length, fileName) < 0)
+    return nullptr;
+  return message;
+}
+
+std::unique_ptr<CMailMsg> CMailFile::getMsgAt(uint32_t offset, uint32_t length) {
+  // Taken without wrapping round: a record from a host may hold any two numbers.
+  if (uint64_t{offset} + length > fileSize)
+    return nullptr;
+  msgOffset = offset;
+  msgLength = length;
+  return buildMessage(offset, length);
+}
+
+std::unique_ptr<CMailMsg> CMailFile::getMsgIn(const CString &name, uint32_t offset,
+                                              uint32_t length) {
+  if (!isOpen() || setMailbox(name) < 0)
+    return nullptr;
+  return getMsgAt(offset, length);
+}
+
+std::unique_ptr<CMailMsg> CMailFile::getNextMsg(uint32_t *offset, uint32_t *length) {
+  if (!isOpen())
+    return nullptr;
+  int framed = -1;
+  // A mailbox cut short under the scan ends like a mailbox with no further message.
+  if (!runGuarded([&] { framed = nextMessage(); }) || framed < 0)
+    return nullptr;
+  std::unique_ptr<CMailMsg> message = buildMessage(msgOffset, msgLength);
+  if (!message)
+    return nullptr;
+  *offset = msgOffset;
+  *length = msgLength;
+  return message;
+}
+
+int CMailFile::nextMessage() {
+  msgOffset += msgLength;
+  if (msgOffset == fileSize) {
+    msgLength = 0;
+    return -1;
+  }
+  return scanFrom(msgOffset);
+}
+
+int CMailFile::scanFrom(uint32_t offset) {
+  const unsigned char *const base = mapBase.get();
+  const unsigned char *const pattern = delimiter.get();
+  const uint32_t patternLength = delimiterLength;
+  msgOffset = offset;
+  uint32_t end = fileSize;
+  uint32_t pos = offset;
+  // A delimiter counts only with at least one byte of the file behind it.
+  while (patternLength != 0 && uint64_t{pos} + patternLength < fileSize) {
+    const uint32_t lastStart = fileSize - patternLength - 1;
+    const void *hit = std::memchr(base + pos, pattern[0], lastStart - pos + 1);
+    if (hit == nullptr)
+      break;
+    pos = static_cast<uint32_t>(static_cast<const unsigned char *>(hit) - base);
+    if (std::memcmp(base + pos + 1, pattern + 1, patternLength - 1) != 0) {
+      ++pos;
+      continue;
+    }
+    if (pos != msgOffset) {
+      end = pos;  // the delimiter of the next message
+      break;
+    }
+    // The delimiter in front of this message: the message starts behind it.
+    msgOffset += patternLength;
+    pos = msgOffset;
+  }
+  msgLength = end - msgOffset;
+  return 0;
+}
+
+int32_t fileStamp(const char *path) {
+  CFileStatus status;
+  if (!CFile::GetStatus(path, status))
+    return 0;
+  return status.m_mtime;
+}

@@ -1,0 +1,137 @@
+// The module's life as a host sees it: initialisations, the client choice, the language, the
+// log, the entries that do nothing, and the one export.
+#include "tests/support/LoadedAgent.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <set>
+
+namespace {
+
+TEST(Lifecycle, ClientIsChosenByTheFirstTagFoundInTheKey) {
+  const struct {
+    const char *key;
+    const char *name;
+  } cases[] = {
+      {"Software\\Tuk\\Agents\\MHEudora", "Eudora Mail"},
+      {"MHInternet", "Outlook Express/Internet Mail"},
+      {"x MHNetscape y", "Netscape Mail"},
+      {"prefix MHPegasus", "Pegasus Mail"},
+      {"MHPegasus MHNetscape", "Netscape Mail"},  // the table's order, not the key's
+  };
+  for (const auto &c : cases) {
+    LoadedAgent agent;
+    const AgentResult result = agent.init(c.key);
+    EXPECT_STREQ(c.name, result.agentName) << c.key;
+    EXPECT_EQ(0x10001u, result.fixedWord1);
+    EXPECT_EQ(1u, result.fixedWord2);
+    EXPECT_EQ(1u, result.fixedWord3);
+    agent.entries().terminateAgent();
+  }
+}
+
+TEST(Lifecycle, RepeatInitialisationKeepsTheFirstClientSinkAndLanguage) {
+  LoadedAgent agent;
+  CapturedLog::lines().clear();
+  const AgentResult first = agent.init("MHEudora", "EN", CapturedLog::sink);
+  const AgentResult second = agent.init("MHPegasus", "DE", nullptr);
+  EXPECT_EQ(first.entryTable, second.entryTable);
+  EXPECT_STREQ("Eudora Mail", second.agentName);
+  const AgentEntryTable &e = agent.entries();
+  e.setLogFlag(1);
+  e.keepObject(nullptr, 0);
+  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|keepObject"));  // still the first sink
+  e.setLogFlag(0);
+
+  // The first termination matches the repeat: the agent lives on.
+  e.terminateAgent();
+  uint32_t needed = 0, count = 0;
+  EXPECT_EQ(StatusBufferTooSmall, e.getPropertyTemplates(nullptr, 0, &needed, &count));
+  EXPECT_GT(needed, 0u);
+  e.terminateAgent();
+  EXPECT_NE(StatusOk, e.getPropertyTemplates(nullptr, 0, &needed, &count));
+  e.terminateAgent();  // one too many: nothing left to release
+}
+
+TEST(Lifecycle, LogFlagAndTheLinesOfAFirstInitialisation) {
+  LoadedAgent agent;
+  CapturedLog::lines().clear();
+  agent.init("MHEudora", "EN", CapturedLog::sink);
+  const AgentEntryTable &e = agent.entries();
+  EXPECT_EQ(0u, e.getLogFlag());
+  e.setLogFlag(7);
+  EXPECT_EQ(7u, e.getLogFlag());
+  EXPECT_TRUE(CapturedLog::lines().empty());  // the flag was off during the first life
+  e.terminateAgent();
+  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll terminating"));
+
+  // The flag survives termination, so a second life logs its start.
+  CapturedLog::lines().clear();
+  agent.init("MHEudora", "en", CapturedLog::sink);
+  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll initialising!"));
+  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|Language string: en"));
+  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll initialisation complete"));
+  e.setLogFlag(0);
+  e.terminateAgent();
+}
+
+TEST(Lifecycle, MissingLanguageModuleLeavesTheBuiltInStrings) {
+  LoadedAgent agent;
+  // "en" is not "EN": a module of that name is tried, found missing, and passed over.
+  EXPECT_STREQ("Netscape Mail", agent.init("MHNetscape", "en").agentName);
+  agent.entries().terminateAgent();
+  EXPECT_STREQ("Netscape Mail", agent.init("MHNetscape", "EN").agentName);
+  agent.entries().terminateAgent();
+}
+
+TEST(Lifecycle, EntriesThatDoNothing) {
+  LoadedAgent agent;
+  const AgentEntryTable &e = agent.init("MHEudora").entryTable[0];
+  EXPECT_EQ(-1, e.unsupportedObjectCall(1, 2, 3));
+  EXPECT_EQ(-1, e.unsupportedObjectCall(0, 0, 0));
+  EXPECT_EQ(0, e.reservedObjectCall(5, 6));
+  e.terminateAgent();
+}
+
+TEST(Lifecycle, AKeyWithoutAClientTagMakesNoAgentAndNoEntryFails) {
+  LoadedAgent agent;
+  const AgentResult result = agent.init("Software\\Tuk\\Agents\\Unknown");
+  EXPECT_STREQ("", result.agentName);
+  const AgentEntryTable &e = agent.entries();
+  AgentHandle handle = 77;
+  int32_t time = 0;
+  char record[64] = {};
+  reinterpret_cast<ObjectRecord *>(record)->size = sizeof record;
+  EXPECT_EQ(StatusNoMoreObjects,
+            e.findFirstObjectHandle(0, &handle, reinterpret_cast<ObjectRecord *>(record), &time));
+  EXPECT_EQ(StatusMailFileFailed,
+            e.openObject(&handle, reinterpret_cast<ObjectRecord *>(record), &time));
+  EXPECT_EQ(StatusOpenFailed, e.RunObject(reinterpret_cast<ObjectRecord *>(record)));
+  EXPECT_EQ(77u, handle);
+  int32_t small = 5, large = 5;
+  EXPECT_EQ(0, e.getObjectIcon(0, &small, &large));
+  EXPECT_EQ(0, small + large);
+  EXPECT_EQ(1, e.Validate(0));
+  EXPECT_EQ(0, e.propPageClose());
+  e.terminateAgent();
+}
+
+// The library exports initAgent and nothing else.
+TEST(Exports, OnlyInitAgentLeavesTheLibrary) {
+  const std::string command = "nm -D --defined-only " + LoadedAgent::libraryPath();
+  FILE *pipe = popen(command.c_str(), "r");
+  ASSERT_NE(nullptr, pipe);
+  std::set<std::string> exported;
+  char line[512];
+  while (std::fgets(line, sizeof line, pipe)) {
+    char type = 0;
+    char name[400] = {};
+    if (std::sscanf(line, "%*s %c %399s", &type, name) == 2 && type != 'A')
+      exported.insert(name);
+  }
+  EXPECT_EQ(0, pclose(pipe));
+  EXPECT_EQ(std::set<std::string>{"initAgent"}, exported);
+}
+
+} // namespace

@@ -1,0 +1,66 @@
+// tuk_mhmail.so loaded as a host loads it.
+#include "tests/support/LoadedAgent.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <dlfcn.h>
+
+std::string LoadedAgent::libraryPath() { return std::string(TUK_BIN_DIR) + "/tuk_mhmail.so"; }
+
+LoadedAgent::LoadedAgent() {
+  library_ = dlopen(libraryPath().c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!library_) {
+    ADD_FAILURE() << "dlopen: " << dlerror();
+    return;
+  }
+  initAgent_ = reinterpret_cast<InitAgentFunction>(dlsym(library_, "initAgent"));
+  EXPECT_NE(nullptr, initAgent_);
+}
+
+LoadedAgent::~LoadedAgent() {
+  if (library_)
+    dlclose(library_);
+}
+
+AgentResult LoadedAgent::init(const std::string &agentKey, const std::string &language,
+                              LogSink sink) {
+  AgentResult result{};
+  const AgentParams params = {agentKey.c_str(), sink, language.c_str(), 0, 0, 0};
+  if (initAgent_) {
+    EXPECT_EQ(0, initAgent_(&params, &result));
+  }
+  table_ = result.entryTable;
+  return result;
+}
+
+int CapturedLog::sink(uint32_t zero, const char *sourceFile, int, const char *format, ...) {
+  EXPECT_EQ(0u, zero);
+  char text[4096];
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(text, sizeof text, format, args);
+  va_end(args);
+  lines().push_back(std::string(sourceFile) + "|" + text);
+  return 0;
+}
+
+std::vector<std::string> &CapturedLog::lines() {
+  static std::vector<std::string> captured;
+  return captured;
+}
+
+bool CapturedLog::contains(const std::string &text) {
+  for (const std::string &line : lines())
+    if (line.find(text) != std::string::npos)
+      return true;
+  return false;
+}
+
+uint32_t referenceChecksum(const std::string &bytes) {
+  uint32_t sum = 0;
+  for (size_t i = 0; i < bytes.size(); ++i)
+    sum ^= static_cast<uint32_t>(static_cast<unsigned char>(bytes[i])) << (8 * (i % 4));
+  return sum;
+}

@@ -1,0 +1,36 @@
+// tuk_mhmail.so loaded as a host loads it: dlopen, initAgent, the entry table.
+#pragma once
+
+#include "agent/AgentAbi.h"
+
+#include <string>
+#include <vector>
+
+class LoadedAgent {
+public:
+  LoadedAgent();
+  LoadedAgent(const LoadedAgent &) = delete;
+  LoadedAgent &operator=(const LoadedAgent &) = delete;
+  ~LoadedAgent();
+
+  // Calls initAgent; the entry table and name of the result are kept.
+  AgentResult init(const std::string &agentKey, const std::string &language = "EN",
+                   LogSink sink = nullptr);
+  const AgentEntryTable &entries() const { return *table_; }
+  static std::string libraryPath();
+
+private:
+  void *library_ = nullptr;
+  InitAgentFunction initAgent_ = nullptr;
+  const AgentEntryTable *table_ = nullptr;
+};
+
+// A LogSink that keeps every line, as "source|line text".
+struct CapturedLog {
+  static int sink(uint32_t zero, const char *sourceFile, int line, const char *format, ...);
+  static std::vector<std::string> &lines();
+  static bool contains(const std::string &text);
+};
+
+// The checksum a host expects: byte i XORed in at shift 8 * (i mod 4).
+uint32_t referenceChecksum(const std::string &bytes);
