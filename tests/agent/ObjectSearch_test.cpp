@@ -1,6 +1,7 @@
 // A host enumerates a store with the find entries and reopens every record it was given.
 #include "cmn/Registry.h"
 #include "tests/support/AgentSession.h"
+#include "tests/support/HostWalk.h"
 #include "tests/support/LoadedAgent.h"
 #include "tests/support/TestFiles.h"
 
@@ -19,13 +20,6 @@ std::string message(const std::string &subject) {
   return kDelimiter + "Mon\r\nSubject: " + subject + "\r\nDate: 15 Jan 1998 10:00:00\r\n\r\n" +
          "Body of " + subject + ".\r\n";
 }
-
-struct Found {
-  std::string path;
-  uint32_t offset, length, checksum;
-  int32_t time;
-  std::string body;
-};
 
 class ObjectSearchTest : public ::testing::Test {
 protected:
@@ -50,43 +44,23 @@ protected:
   }
   void TearDown() override { agent.entries().terminateAgent(); }
 
-  // Opens a found record again and reads its body through the entries.
-  std::string reopen(const ObjectRecord *record) {
+  std::vector<FoundObject> enumerate(bool deleteGoneAfterFirst = false) {
+    if (!deleteGoneAfterFirst)
+      return walkStore(agent.entries());
+    // The mailbox disappears after the list was made, before the walk reaches it.
     const AgentEntryTable &e = agent.entries();
-    AgentHandle object = 0;
-    int32_t time = 0;
-    EXPECT_EQ(StatusOk, e.openObject(&object, record, &time));
-    std::string body;
-    char buffer[64];
-    uint32_t got = 0;
-    while (e.readObject(object, buffer, sizeof buffer, &got) == StatusOk)
-      body.append(buffer, got);
-    e.closeObject(object);
-    return body;
-  }
-
-  // The whole walk, as a host makes it.
-  std::vector<Found> enumerate(bool deleteGoneAfterFirst = false) {
-    const AgentEntryTable &e = agent.entries();
-    std::vector<Found> found;
     RecordBuffer record;
     AgentHandle search = 0;
     int32_t time = 0;
-    int32_t status = e.findFirstObjectHandle(0, &search, record.get(), &time);
-    if (deleteGoneAfterFirst)
-      unlink((mail + "/Work/Gone.mbx").c_str());
-    while (status == StatusOk) {
+    EXPECT_EQ(StatusOk, e.findFirstObjectHandle(0, &search, record.get(), &time));
+    unlink((mail + "/Work/Gone.mbx").c_str());
+    std::vector<FoundObject> found;
+    do {
       const ObjectRecord *r = record.get();
-      EXPECT_EQ(std::strlen(r->path) + 18, r->size);
-      found.push_back({r->path, r->offset, r->length, r->checksum, time, reopen(r)});
+      found.push_back({r->path, r->offset, r->length, r->checksum, time, reopenBody(e, r)});
       record->size = static_cast<uint32_t>(record.capacity());
-      status = e.findNextObjectHandle(search, record.get(), &time);
-    }
-    EXPECT_EQ(StatusNoMoreObjects, status);
-    if (!found.empty()) {
-      EXPECT_EQ(StatusNoMoreObjects, e.findNextObjectHandle(search, record.get(), &time));
-      EXPECT_EQ(StatusOk, e.closeFindObjectHandle(search));
-    }
+    } while (e.findNextObjectHandle(search, record.get(), &time) == StatusOk);
+    e.closeFindObjectHandle(search);
     return found;
   }
 
@@ -96,7 +70,7 @@ protected:
 };
 
 TEST_F(ObjectSearchTest, WalksEveryMailboxInOrderAndEveryRecordReopens) {
-  const std::vector<Found> found = enumerate(true);
+  const std::vector<FoundObject> found = enumerate(true);
   ASSERT_EQ(4u, found.size());
   // The mail directory's own mailboxes first, by their control files, then deeper levels.
   EXPECT_EQ(mail + "/In.mbx", found[0].path);
