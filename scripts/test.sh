@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Builds and runs every test: the release build, the sanitizer build (ASan and UBSan), and
+# the 32-bit build of the libraries, whose binary layouts are checked while it compiles.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh
+
+jobs=$(nproc)
+for preset in default asan; do
+  echo "== $preset"
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset" -j "$jobs"
+  ctest --preset "$preset" -j "$jobs"
+done
+
+echo "== m32"
+cmake --preset m32 >/dev/null
+cmake --build --preset m32 -j "$jobs"
+echo "32-bit build: layouts checked"
