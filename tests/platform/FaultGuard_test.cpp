@@ -80,12 +80,14 @@ void faultOutsideAnyGuard() {
 }
 
 // How a process dies of a SIGBUS that nobody handles: by the signal, or under
-// AddressSanitizer, whose handler was there before ours, of the sanitizer's report.
+// AddressSanitizer, whose handler was there before ours, of the sanitizer's report, which
+// exits with 1 or, with abort_on_error set, aborts.
 bool diedOfBusError(int status) {
   if (WIFSIGNALED(status) && WTERMSIG(status) == SIGBUS)
     return true;
 #ifdef TUK_UNDER_ASAN
-  return WIFEXITED(status) && WEXITSTATUS(status) == 1;
+  return (WIFEXITED(status) && WEXITSTATUS(status) == 1) ||
+         (WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT);
 #else
   return false;
 #endif
