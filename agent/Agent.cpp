@@ -1,9 +1,9 @@
-// CMHAgent: opening objects, the names and extensions of a client, and what an agent does
-// before its settings and viewer exist.
+// CMHAgent: opening objects, and the names and extensions of a client.
 #include "agent/Agent.h"
 
 #include "agent/Log.h"
 #include "cmn/Registry.h"
+#include "settings/PropPage.h"
 #include "store/MailFile.h"
 #include "store/MailInd.h"
 #include "store/MailMsg.h"
@@ -14,6 +14,8 @@
 AGENT_LOG_SOURCE(".\\Agent");
 
 CString nameScratch;
+
+CMHAgent::CMHAgent(const ClientTraits &traits) : traits_(traits) {}
 
 CMHAgent::~CMHAgent() {
   // The last resort owner of a search the host never closed.
@@ -83,33 +85,4 @@ int32_t CMHAgent::getFileExtensions(CString &mailExt, CString &ctrlExt) {
 int32_t CMHAgent::getPropertyTemplates(void *buffer, uint32_t capacity, uint32_t *needed,
                                        uint32_t *count) {
   return getPropertyNames(buffer, capacity, needed, count);
-}
-
-// The settings page and the viewer come later; meanwhile the page is absent, a check lets the
-// host go on, and no icon is known.
-int32_t CMHAgent::propPageInit(AgentHandle, uint32_t, AgentHandle *pageWindow) {
-  *pageWindow = 0;
-  return 0;
-}
-
-int32_t CMHAgent::Validate(int32_t) { return 1; }
-
-void CMHAgent::propPageFocus() {}
-
-int32_t CMHAgent::propPageClose() { return 0; }
-
-int32_t CMHAgent::getObjectIcon(uint32_t, int32_t *smallIconOut, int32_t *largeIconOut) {
-  *smallIconOut = smallIcon;
-  *largeIconOut = largeIcon;
-  return 0;
-}
-
-int32_t CMHAgent::RunObject(const ObjectRecord *record) {
-  AGENT_LOG("RunObject called");
-  std::unique_ptr<CMailFile> mailFile = newMailFile();
-  if (mailFile->init(CString(record->path)) < 0) {
-    AGENT_LOG("Couldn't initialise mailFile\n");
-    return StatusOpenFailed;
-  }
-  return StatusOk;
 }

@@ -7,10 +7,11 @@
 
 AGENT_LOG_SOURCE(".\\EudAgent");
 
-static const ClientTraits eudoraTraits = {IDS_EUDORA_NAME, ".MBX", ".TOC"};
+static const ClientTraits eudoraTraits = {IDS_EUDORA_NAME, ".MBX", ".TOC", IDS_EUD_EXE, false};
 
 CEudoraAgent::CEudoraAgent(const CString &language, const char *agentKey)
     : CClientAgent(eudoraTraits) {
+  loadAttachmentStrings();
   loadStatics(language, agentKey);
 }
 

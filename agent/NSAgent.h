@@ -3,8 +3,9 @@
 
 #include "agent/Agent.h"
 #include "clients/Netscape.h"
+#include "settings/ClientPages.h"
 
-class CNetscapeAgent : public CClientAgent<CNetscapeMailFile, CNetscapeMailIndex> {
+class CNetscapeAgent : public CClientAgent<CNetscapeMailFile, CNetscapeMailIndex, CNSPropPage> {
 public:
   CNetscapeAgent(const CString &language, const char *agentKey);
 };

@@ -4,8 +4,9 @@
 #include "resources/resource.h"
 #include "store/MailHeaders.h"
 
-static const ClientTraits pegasusTraits = {IDS_PEGASUS_NAME, ".PMM", ".PMI"};
+static const ClientTraits pegasusTraits = {IDS_PEGASUS_NAME, ".PMM", ".PMI", IDS_PEG_EXE, true};
 
-CPegasusAgent::CPegasusAgent(const CString &language, const char *agentKey) : CClientAgent(pegasusTraits) {
+CPegasusAgent::CPegasusAgent(const CString &language, const char *agentKey)
+    : CClientAgent(pegasusTraits) {
   loadStatics(language, agentKey);
 }

@@ -3,8 +3,9 @@
 
 #include "agent/Agent.h"
 #include "clients/Pegasus.h"
+#include "settings/ClientPages.h"
 
-class CPegasusAgent : public CClientAgent<CPegasusMailFile, CPegasusMailIndex> {
+class CPegasusAgent : public CClientAgent<CPegasusMailFile, CPegasusMailIndex, CPegPropPage> {
 public:
   CPegasusAgent(const CString &language, const char *agentKey);
 };

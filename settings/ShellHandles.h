@@ -1,0 +1,30 @@
+// Owners for what the shell hands out: interfaces to release and item lists to free with the
+// shell's allocator.
+#pragma once
+
+#include "platform/Shell.h"
+
+#include <memory>
+
+struct ShellReleaser {
+  template <class Interface> void operator()(Interface *object) const { object->Release(); }
+};
+template <class Interface> using ShellRef = std::unique_ptr<Interface, ShellReleaser>;
+
+// Frees a list as the shell's allocator wants: through the allocator, which is then released.
+struct ItemListFreer {
+  void operator()(ITEMIDLIST *list) const {
+    IMalloc *allocator = nullptr;
+    if (SHGetMalloc(&allocator) != S_OK || allocator == nullptr)
+      return;
+    const ShellRef<IMalloc> owned(allocator);
+    owned->Free(list);
+  }
+};
+using ItemList = std::unique_ptr<ITEMIDLIST, ItemListFreer>;
+
+// A block of the shell's task allocator, such as a wide name from GetDisplayNameOf.
+struct TaskMemFreer {
+  void operator()(void *block) const { CoTaskMemFree(block); }
+};
+template <class T> using TaskMem = std::unique_ptr<T, TaskMemFreer>;

@@ -1,0 +1,46 @@
+// MessageBoxA: the process-wide user answers; without one, or with an answer the box doesn't
+// offer, Cancel where the box has it and OK otherwise.
+#include "platform/Window.h"
+#include "tests/platform/ScriptedUser.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(MessageBoxTest, WithoutAUserCancelWhereThereIsOneElseOk) {
+  const struct {
+    UINT type;
+    int answer;
+  } cases[] = {{MB_OK | MB_ICONEXCLAMATION, IDOK},
+               {MB_OKCANCEL, IDCANCEL},
+               {MB_RETRYCANCEL | MB_ICONQUESTION, IDCANCEL},
+               {MB_YESNOCANCEL, IDCANCEL},
+               {MB_YESNO, IDOK},
+               {MB_ABORTRETRYIGNORE, IDOK}};
+  for (const auto &c : cases)
+    EXPECT_EQ(c.answer, MessageBoxA(nullptr, "text", "caption", c.type)) << c.type;
+}
+
+TEST(MessageBoxTest, TheUserSeesTheBoxAndOnlyItsButtonsCount) {
+  ScriptedUser user;
+  const TukWindow frame = tukFrameCreate("Owner", 10, 10);
+  user.boxAnswers = {IDRETRY, IDYES, 0, IDOK};
+  EXPECT_EQ(IDRETRY, MessageBoxA(reinterpret_cast<HWND>(frame), "Again?", "Note", 0x25));
+  EXPECT_EQ(IDCANCEL, MessageBoxA(nullptr, "x", nullptr, MB_RETRYCANCEL)); // Yes isn't there
+  EXPECT_EQ(IDOK, MessageBoxA(nullptr, nullptr, "c", MB_OK));              // no answer
+  EXPECT_EQ(IDOK, MessageBoxA(reinterpret_cast<HWND>(frame + 999), "y", "c", MB_OK));
+
+  ASSERT_EQ(4u, user.events.size());
+  const ScriptedUser::Event &first = user.events[0];
+  EXPECT_EQ(TUK_USER_MESSAGE_BOX, first.kind);
+  EXPECT_EQ(frame, first.window);
+  EXPECT_EQ("Again?", first.text);
+  EXPECT_EQ("Note", first.caption);
+  EXPECT_EQ(0x25u, first.flags);
+  EXPECT_EQ("Error", user.events[1].caption); // a box without a caption
+  EXPECT_EQ("", user.events[2].text);
+  EXPECT_EQ(0u, user.events[3].window); // an owner that is no window
+  tukFrameDestroy(frame);
+}
+
+} // namespace

@@ -1,0 +1,145 @@
+// The folder picker with the desktop folder and allocator behind it, and the icon indices of
+// the process-wide image list.
+#include "platform/Shell.h"
+#include "platform/Unicode.h"
+#include "tests/platform/ScriptedUser.h"
+#include "tests/support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+struct ListFreer {
+  void operator()(ITEMIDLIST *list) const { CoTaskMemFree(list); }
+};
+using List = std::unique_ptr<ITEMIDLIST, ListFreer>;
+
+class PickerTest : public ::testing::Test {
+protected:
+  List pick(char *displayName = nullptr) {
+    BROWSEINFOA info{};
+    info.lpszTitle = "Pick one";
+    info.ulFlags = BIF_RETURNONLYFSDIRS;
+    info.pszDisplayName = displayName;
+    return List(SHBrowseForFolderA(&info));
+  }
+  // The parsing name that the desktop gives a list, through whichever form it uses.
+  static std::string nameOf(const ITEMIDLIST *list, UINT &form) {
+    IShellFolder *desktop = nullptr;
+    EXPECT_EQ(S_OK, SHGetDesktopFolder(&desktop));
+    STRRET name{};
+    if (desktop->GetDisplayNameOf(list, SHGDN_FORPARSING, &name) != S_OK)
+      return "<failed>";
+    form = name.uType;
+    if (form == STRRET_OFFSET)
+      return reinterpret_cast<const char *>(list) + name.uOffset;
+    const int size = WideCharToMultiByte(CP_ACP, 0, name.pOleStr, -1, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<size_t>(size), '\0');
+    WideCharToMultiByte(CP_ACP, 0, name.pOleStr, -1, bytes.data(), size, nullptr, nullptr);
+    CoTaskMemFree(name.pOleStr);
+    bytes.pop_back();
+    return bytes;
+  }
+
+  TempDir dir;
+};
+
+TEST_F(PickerTest, WithoutAUserThePickerIsCancelled) {
+  EXPECT_FALSE(pick());
+}
+
+TEST_F(PickerTest, AChosenFolderComesBackAsAListThatNamesItsPath) {
+  ScriptedUser user;
+  const std::string folder = dir.file("Mail \xC3\xA9t\xC3\xA9"); // UTF-8 text
+  makeDirs(folder);
+  user.folders = {folder};
+  char displayName[260] = {};
+  const List list = pick(displayName);
+  ASSERT_TRUE(list);
+  EXPECT_STREQ("Mail \xC3\xA9t\xC3\xA9", displayName);
+  UINT form = 99;
+  EXPECT_EQ(folder, nameOf(list.get(), form));
+  EXPECT_EQ(STRRET_WSTR, form);
+  // It opened at the root, with the caller's title.
+  ASSERT_EQ(1u, user.count(TUK_USER_FOLDER_PICKER));
+  EXPECT_EQ("", user.events[0].caption);
+  EXPECT_EQ("Pick one", user.events[0].text);
+  EXPECT_EQ(BIF_RETURNONLYFSDIRS, user.events[0].flags);
+}
+
+TEST_F(PickerTest, BytesThatAreNoTextComeBackAsTheyStandInTheList) {
+  ScriptedUser user;
+  const std::string folder = dir.file("Latin1 \xE9");
+  makeDirs(folder);
+  user.folders = {folder};
+  const List list = pick();
+  ASSERT_TRUE(list);
+  UINT form = 99;
+  EXPECT_EQ(folder, nameOf(list.get(), form));
+  EXPECT_EQ(STRRET_OFFSET, form);
+}
+
+TEST_F(PickerTest, OnlyExistingDirectoriesCanBeChosen) {
+  ScriptedUser user;
+  writeFile(dir.file("file"), "x");
+  user.folders = {dir.file("file"), dir.file("missing"), ""};
+  EXPECT_FALSE(pick());
+  EXPECT_FALSE(pick());
+  EXPECT_FALSE(pick());
+  EXPECT_EQ(3u, user.count(TUK_USER_FOLDER_PICKER));
+}
+
+TEST(ShellFolderTest, TheDesktopRefusesWhatItCannotName) {
+  IShellFolder *desktop = nullptr;
+  IMalloc *allocator = nullptr;
+  ASSERT_EQ(S_OK, SHGetDesktopFolder(&desktop));
+  ASSERT_EQ(S_OK, SHGetMalloc(&allocator));
+  STRRET name{};
+  const unsigned char empty[2] = {0, 0};
+  EXPECT_NE(S_OK, desktop->GetDisplayNameOf(nullptr, SHGDN_FORPARSING, &name));
+  EXPECT_NE(S_OK, desktop->GetDisplayNameOf(reinterpret_cast<LPCITEMIDLIST>(empty),
+                                            SHGDN_FORPARSING, &name));
+  const unsigned char unterminated[6] = {4, 0, 'a', 'b', 0, 0};
+  EXPECT_NE(S_OK, desktop->GetDisplayNameOf(reinterpret_cast<LPCITEMIDLIST>(unterminated),
+                                            SHGDN_FORPARSING, &name));
+  EXPECT_NE(S_OK, SHGetDesktopFolder(nullptr));
+  void *block = allocator->Alloc(16);
+  EXPECT_NE(nullptr, block);
+  allocator->Free(block);
+  desktop->Release();
+  allocator->Release();
+}
+
+TEST(IconTest, ARegularFileHasOneStableIndexInBothListsAndOthersHaveNone) {
+  TempDir dir;
+  writeFile(dir.file("eudora.exe"), "MZ");
+  writeFile(dir.file("other.exe"), "MZ");
+  ASSERT_EQ(0, symlink("eudora.exe", dir.file("link.exe").c_str()));
+  makeDirs(dir.file("folder.exe"));
+  const auto index = [](const std::string &path, UINT flags) {
+    SHFILEINFOA info{};
+    info.iIcon = -7;
+    return SHGetFileInfoA(path.c_str(), 0, &info, sizeof info, flags) != 0 ? info.iIcon : -1;
+  };
+  const int large = index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX);
+  EXPECT_GT(large, 0);
+  EXPECT_EQ(large, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
+  EXPECT_EQ(large, index(dir.file("link.exe"), SHGFI_SYSICONINDEX));
+  EXPECT_EQ(large, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX));
+  const int other = index(dir.file("other.exe"), SHGFI_SYSICONINDEX);
+  EXPECT_GT(other, 0);
+  EXPECT_NE(large, other);
+  EXPECT_EQ(-1, index(dir.file("missing.exe"), SHGFI_SYSICONINDEX));
+  EXPECT_EQ(-1, index(dir.file("folder.exe"), SHGFI_SYSICONINDEX));
+  EXPECT_EQ(-1, index(dir.file("eudora.exe"), 0x100)); // only the index is served
+
+  failIconLookups(true);
+  EXPECT_EQ(large, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX));
+  EXPECT_EQ(-1, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
+  EXPECT_EQ(large, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
+}
+
+} // namespace

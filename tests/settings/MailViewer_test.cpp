@@ -1,0 +1,223 @@
+// RunObject and the View Email window: the message a record names, shown with the mailbox
+// released; the reindex message for one that is gone; and the window's layout as the person
+// resizes it.
+#include "tests/settings/SettingsFixture.h"
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <unistd.h>
+
+namespace {
+
+struct ViewedClient {
+  Client client;
+  std::string prefix; // bytes ahead of the message in the mailbox
+  std::string suffix;
+};
+
+void PrintTo(const ViewedClient &viewed, std::ostream *out) {
+  *out << viewed.client.name;
+}
+
+std::vector<ViewedClient> viewedClients() {
+  const std::vector<Client> clients = allClients();
+  return {{clients[0], "From ???@??? Mon\r\n", "From ???@??? next"},
+          {clients[1], std::string("\0\x7F\0\x7F", 4), std::string("\0\x7F\0\x7Fnext", 8)},
+          {clients[2], "From a b c 1 01:02:03 1998\n", "From a b c 1 01:02:03 1998\nnext"},
+          {clients[3], std::string(128, 'h'), "\n\n\x1anext"}};
+}
+
+const std::string kHeaders = "x\r\nTo: ann@example.org\r\nFrom: bob@example.org\r\n"
+                             "Cc: cy@example.org\r\nDate: Mon, 2 Mar 1998 10:00:00 +0000\r\n"
+                             "Subject: Hello\r\n\r\n";
+
+enum : int { kDone = 1008, kTo = 1009, kCc, kFrom, kDate, kLocation, kSubject, kBody };
+
+// True when the process has a mapping of `path`.
+bool isMapped(const std::string &path) {
+  std::ifstream maps("/proc/self/maps");
+  std::string line;
+  while (std::getline(maps, line))
+    if (line.size() >= path.size() &&
+        line.compare(line.size() - path.size(), path.size(), path) == 0)
+      return true;
+  return false;
+}
+
+class ViewerTest : public SettingsTest, public ::testing::WithParamInterface<ViewedClient> {
+protected:
+  void SetUp() override { start(GetParam().client.key); }
+
+  // A mailbox holding one message with `body`, and the record that names it.
+  RecordBuffer storeMessage(const std::string &body) {
+    const std::string message = kHeaders + body;
+    writeFile(mailbox, GetParam().prefix + message + GetParam().suffix);
+    return RecordBuffer(mailbox, static_cast<uint32_t>(GetParam().prefix.size()),
+                        static_cast<uint32_t>(message.size()), referenceChecksum(message));
+  }
+
+  const std::string mailbox = dir.file("Mail/In box");
+};
+
+TEST_P(ViewerTest, ShowsTheSevenTextsWhileTheMailboxIsReleased) {
+  RecordBuffer record = storeMessage("first line\nsecond line\r\nthird");
+  const size_t windowsBefore = childWindows(0).size();
+  std::map<int, std::string> shown;
+  bool mappedWhileShown = true;
+  user.onModal = [&](TukWindow dialog) {
+    EXPECT_EQ("View Email", windowText(dialog));
+    for (const int id : {kTo, kCc, kFrom, kDate, kLocation, kSubject, kBody})
+      shown[id] = field(dialog, id);
+    mappedWhileShown = isMapped(mailbox);
+    EXPECT_EQ(0, tukWindowClick(control(dialog, kDone)));
+  };
+  EXPECT_EQ(StatusOk, entries().RunObject(record.get()));
+  ASSERT_EQ(1u, user.count(TUK_USER_MODAL_DIALOG));
+  EXPECT_FALSE(mappedWhileShown);
+  EXPECT_EQ("ann@example.org", shown[kTo]);
+  EXPECT_EQ("bob@example.org", shown[kFrom]);
+  EXPECT_EQ("cy@example.org", shown[kCc]);
+  EXPECT_EQ("Mon, 2 Mar 1998 10:00:00 +0000", shown[kDate]);
+  EXPECT_EQ("Hello", shown[kSubject]);
+  EXPECT_EQ(mailbox, shown[kLocation]);
+  const bool pegasus = GetParam().client.displayNameId == 43;
+  EXPECT_EQ(pegasus ? "first line\r\nsecond line\r\r\nthird" : "first line\nsecond line\r\nthird",
+            shown[kBody]);
+  EXPECT_EQ(0u, user.count(TUK_USER_MESSAGE_BOX));
+  EXPECT_EQ(windowsBefore, childWindows(0).size()); // nothing stays behind
+  EXPECT_TRUE(CapturedLog::contains("RunObject called"));
+}
+
+TEST_P(ViewerTest, BodiesReachTheBoxUpToAZeroByteAndWithLineEndsOnlyForPegasus) {
+  const bool pegasus = GetParam().client.displayNameId == 43;
+  const struct {
+    std::string stored, seen, seenByPegasus;
+  } cases[] = {{"", "", ""},
+               {"no line end", "no line end", "no line end"},
+               {"a\nb\n", "a\nb\n", "a\r\nb\r\n"},
+               {std::string("up to\n\0hidden", 13), "up to\n", "up to\r\n"}};
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.seen);
+    RecordBuffer record = storeMessage(c.stored);
+    std::string body = "<not shown>";
+    user.onModal = [&](TukWindow dialog) { body = field(dialog, kBody); };
+    EXPECT_EQ(StatusOk, entries().RunObject(record.get()));
+    EXPECT_EQ(pegasus ? c.seenByPegasus : c.seen, body);
+  }
+}
+
+TEST_P(ViewerTest, AGoneMailboxGives110AndAChangedOneTheReindexMessage) {
+  RecordBuffer record = storeMessage("body");
+  RecordBuffer changed = storeMessage("body");
+  changed->checksum ^= 0x100;
+  RecordBuffer cutOff = storeMessage("body");
+  cutOff->length += static_cast<uint32_t>(GetParam().suffix.size()) + 1; // past the end
+
+  for (ObjectRecord *compacted : {changed.get(), cutOff.get()}) {
+    user.events.clear();
+    EXPECT_EQ(StatusOk, entries().RunObject(compacted));
+    ASSERT_EQ(1u, user.events.size());
+    const ScriptedUser::Event &box = user.events[0];
+    EXPECT_EQ(TUK_USER_MESSAGE_BOX, box.kind);
+    EXPECT_EQ(loaded(62), box.text);
+    EXPECT_EQ(loaded(GetParam().client.displayNameId), box.caption);
+    EXPECT_EQ(0x30u, box.flags); // OK, with an exclamation mark
+    EXPECT_EQ(0u, box.window);
+  }
+  EXPECT_TRUE(CapturedLog::contains("Checksums didn't verify\n"));
+
+  user.events.clear();
+  ASSERT_EQ(0, unlink(mailbox.c_str()));
+  EXPECT_EQ(StatusOpenFailed, entries().RunObject(record.get()));
+  EXPECT_TRUE(user.events.empty());
+  EXPECT_TRUE(CapturedLog::contains("Couldn't initialise mailFile\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Clients, ViewerTest, ::testing::ValuesIn(viewedClients()),
+                         [](const auto &info) { return std::string(info.param.client.name); });
+
+// The window's layout: every control's rectangle, by position in the dialog.
+using Layout = std::vector<TukRect>;
+
+Layout layoutOf(TukWindow dialog) {
+  Layout layout;
+  for (const TukWindow child : childWindows(dialog))
+    layout.push_back(windowInfo(child).rect);
+  layout.push_back(windowInfo(dialog).rect);
+  return layout;
+}
+
+bool sameRect(const TukRect &a, const TukRect &b) {
+  return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+
+bool sameLayout(const Layout &a, const Layout &b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), sameRect);
+}
+
+class ViewerLayoutTest : public SettingsTest {
+protected:
+  void SetUp() override { start(allClients()[0].key); }
+};
+
+TEST_F(ViewerLayoutTest, TheWindowGrowsAndShrinksByTheRulesButNeverBelowItsFirstSize) {
+  const std::string message = kHeaders + "body";
+  writeFile(dir.file("In.mbx"), message);
+  RecordBuffer record(dir.file("In.mbx"), 0, static_cast<uint32_t>(message.size()),
+                      referenceChecksum(message));
+  bool ran = false;
+  user.onModal = [&](TukWindow dialog) {
+    ran = true;
+    const Layout first = layoutOf(dialog);
+    const TukRect window = first.back();
+    // 392 by 265 dialog units in a sizing frame with a caption, centred on the screen.
+    EXPECT_EQ(596, window.right - window.left);
+    EXPECT_EQ(457, window.bottom - window.top);
+    EXPECT_EQ((1280 - 596) / 2, window.left);
+
+    ASSERT_EQ(0, tukWindowResize(dialog, 596 + 120, 457 + 80));
+    const Layout grown = layoutOf(dialog);
+    const std::vector<TukWindow> controls = childWindows(dialog);
+    for (size_t i = 0; i < controls.size(); ++i) {
+      const int id = windowInfo(controls[i]).id;
+      SCOPED_TRACE(id);
+      TukRect expected = first[i];
+      if (id == kDone) {
+        expected.left += 120; // keeps its distance from the right edge
+        expected.right += 120;
+      } else if (id == kBody) {
+        expected.right += 120;
+        expected.bottom += 80;
+      } else if (id != -1) {
+        expected.right += 120; // header boxes stretch; the labels stay
+      }
+      EXPECT_TRUE(sameRect(expected, grown[i]));
+    }
+
+    // Minimised and restored: as it was.
+    ASSERT_EQ(0, tukWindowMinimize(dialog));
+    ASSERT_EQ(0, tukWindowRestore(dialog));
+    EXPECT_TRUE(sameLayout(grown, layoutOf(dialog)));
+
+    // Dragged smaller than at the start: it stops at its first size, laid out as then.
+    ASSERT_EQ(0, tukWindowResize(dialog, 200, 150));
+    EXPECT_TRUE(sameLayout(first, layoutOf(dialog)));
+    EXPECT_EQ(0, tukWindowPressKey(control(dialog, kBody), TUK_KEY_ESCAPE));
+  };
+  EXPECT_EQ(StatusOk, entries().RunObject(record.get()));
+  EXPECT_TRUE(ran);
+}
+
+TEST_F(ViewerLayoutTest, WithoutAPersonNothingIsShownAndTheCallEndsWell) {
+  const std::string message = kHeaders + "body";
+  writeFile(dir.file("In.mbx"), message);
+  RecordBuffer record(dir.file("In.mbx"), 0, static_cast<uint32_t>(message.size()),
+                      referenceChecksum(message));
+  tukSetUser(nullptr, nullptr);
+  const size_t windowsBefore = childWindows(0).size();
+  EXPECT_EQ(StatusOk, entries().RunObject(record.get()));
+  EXPECT_EQ(windowsBefore, childWindows(0).size());
+}
+
+} // namespace
