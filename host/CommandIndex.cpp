@@ -1,0 +1,122 @@
+// mhhost index: brings the index of one store, or of every store it holds, up to date.
+#include "host/AgentRegistry.h"
+#include "host/CommandSupport.h"
+#include "host/Commands.h"
+#include "host/ExitStatus.h"
+#include "host/IndexDb.h"
+#include "host/Indexer.h"
+#include "host/StoreTree.h"
+
+#include <chrono>
+#include <cstdio>
+
+namespace {
+
+// Everything besides the tree that decides what the agent makes of a store.
+std::string storeSettings(const std::string &agentKey, const std::string &language) {
+  std::string text = "language=" + language;
+  for (const char *name : {kMailFileExtValue, kCtrlFileExtValue}) {
+    std::string value;
+    text += std::string("\n") + name + (readAgentValue(agentKey, name, value) ? "=" + value : "");
+  }
+  return text;
+}
+
+void printStats(const IndexSummary &summary) {
+  if (!summary.walked)
+    std::printf("walk: not needed, no mailbox and no folder changed\n");
+  else
+    std::printf("walk: %llu objects\n", static_cast<unsigned long long>(summary.walkedObjects));
+  for (const MailboxReport &mailbox : summary.mailboxes)
+    std::printf("read %s: %llu new, %llu unchanged, %llu removed, %llu unreadable\n",
+                mailbox.path.c_str(), static_cast<unsigned long long>(mailbox.added),
+                static_cast<unsigned long long>(mailbox.unchanged),
+                static_cast<unsigned long long>(mailbox.removed),
+                static_cast<unsigned long long>(mailbox.failed));
+}
+
+void printSummary(const IndexSummary &summary, double seconds) {
+  const double megabytes = static_cast<double>(summary.bytes) / 1e6;
+  const uint64_t mailboxes = summary.mailboxesRead + summary.mailboxesUnchanged;
+  std::printf("indexed: %llu new, %llu unchanged, %llu removed, %llu unreadable; %llu of %llu "
+              "mailboxes read; %llu bytes in %.3f s, %.2f MB/s\n",
+              static_cast<unsigned long long>(summary.added),
+              static_cast<unsigned long long>(summary.unchanged),
+              static_cast<unsigned long long>(summary.removed),
+              static_cast<unsigned long long>(summary.failed),
+              static_cast<unsigned long long>(summary.mailboxesRead),
+              static_cast<unsigned long long>(mailboxes),
+              static_cast<unsigned long long>(summary.bytes), seconds,
+              seconds > 0 ? megabytes / seconds : 0.0);
+  std::fflush(stdout);
+}
+
+int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &settings, bool stats,
+               bool heading) {
+  const auto start = std::chrono::steady_clock::now();
+  std::string error, mailDirectory;
+  if (!existingMailDirectory(agentKey, mailDirectory, error))
+    return reportError(error);
+  if (heading)
+    std::printf("%s: %s\n", agentKey.c_str(), mailDirectory.c_str());
+  const StoreTree tree = scanStoreTree(mailDirectory, storeSettings(agentKey, settings.language));
+  for (const std::string &folder : tree.unreadable)
+    reportWarning("cannot read the folder " + folder +
+                  ": while it is unreadable the agent finds no mailbox at all, and no "
+                  "message of this store is added");
+  const std::unique_ptr<AgentLibrary> agent = loadAgent(settings, agentKey, error);
+  if (!agent)
+    return reportError(error);
+  if (!db.begin())
+    return reportError(db.errorText());
+  IndexSummary summary;
+  {
+    ProgressBar progress(!settings.log); // the log's lines would tear the bar
+    const int64_t agentId = db.agentId(agentKey);
+    if (agentId != 0)
+      updateIndex(agent->entries(), db, agentId, tree, progress, summary);
+  }
+  if (!db.ok() || !db.commit()) {
+    const std::string reason = db.errorText();
+    db.rollback();
+    return reportError(reason + "; the index is as it was before this run");
+  }
+  const double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  if (summary.walked && summary.walkedObjects == 0)
+    reportWarning("the agent finds no message below " + mailDirectory +
+                  ": a mail file counts only with its control file beside it (for a "
+                  "Thunderbird profile: mhhost config --client netscape --ctrl-ext .msf)");
+  if (stats)
+    printStats(summary);
+  printSummary(summary, seconds);
+  return kExitOk;
+}
+
+} // namespace
+
+int runIndex(const CommandLine &line, const HostSettings &settings) {
+  std::string error;
+  const std::unique_ptr<IndexDb> db =
+      IndexDb::open(settings.databasePath, IndexDb::Access::ReadWrite, error);
+  if (!db)
+    return reportError(error);
+  std::vector<std::string> keys;
+  if (!settings.agentKey.empty()) {
+    keys.push_back(settings.agentKey);
+  } else {
+    keys = db->agentKeys();
+    if (!db->ok())
+      return reportError(db->errorText());
+    if (keys.empty())
+      return reportUsageError("index", "the index holds no store yet: name the client with "
+                                       "--client (or --key)");
+  }
+  int status = kExitOk;
+  for (const std::string &key : keys) {
+    const int result = indexStore(*db, key, settings, line.has("stats"), keys.size() > 1);
+    if (result != kExitOk)
+      status = result;
+  }
+  return status;
+}

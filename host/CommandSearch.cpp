@@ -1,0 +1,92 @@
+// mhhost search: ranked hits from the index, as lines for a person or as JSON lines.
+#include "host/Commands.h"
+#include "host/ExitStatus.h"
+#include "host/IndexDb.h"
+#include "host/Json.h"
+#include "host/Terminal.h"
+#include "host/TimeText.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// Line breaks and runs of blanks as one blank: a snippet or a field on one line.
+std::string oneLine(const std::string &text) {
+  std::string line;
+  line.reserve(text.size());
+  bool blank = false;
+  for (const char c : text) {
+    const bool space = c == ' ' || c == '\r' || c == '\n' || c == '\t';
+    if (space && (blank || line.empty())) {
+      blank = true;
+      continue;
+    }
+    line += space ? ' ' : c;
+    blank = space;
+  }
+  while (!line.empty() && line.back() == ' ')
+    line.pop_back();
+  return line;
+}
+
+bool readLimit(const std::string &text, int64_t &limit) {
+  if (text.empty() || text.size() > 9 || text.find_first_not_of("0123456789") != text.npos)
+    return false;
+  limit = std::strtoll(text.c_str(), nullptr, 10);
+  return limit > 0;
+}
+
+void printHit(const SearchHit &hit) {
+  std::printf("%lld  %s  %s  %s\n    %s\n", static_cast<long long>(hit.id),
+              formatTime(hit.time).c_str(), oneLine(hit.from).c_str(), oneLine(hit.subject).c_str(),
+              oneLine(hit.snippet).c_str());
+}
+
+void printJsonHit(const SearchHit &hit) {
+  std::printf("{\"id\":%lld,\"path\":%s,\"offset\":%lu,\"length\":%lu,\"time\":%ld,"
+              "\"from\":%s,\"subject\":%s,\"snippet\":%s}\n",
+              static_cast<long long>(hit.id), jsonString(hit.path).c_str(),
+              static_cast<unsigned long>(hit.offset), static_cast<unsigned long>(hit.length),
+              static_cast<long>(hit.time), jsonString(hit.from).c_str(),
+              jsonString(hit.subject).c_str(), jsonString(oneLine(hit.snippet)).c_str());
+}
+
+} // namespace
+
+int runSearch(const CommandLine &line, const HostSettings &settings) {
+  SearchQuery query;
+  query.match = line.arguments.front();
+  query.agentKey = settings.agentKey;
+  if (line.has("limit") && !readLimit(line.value("limit"), query.limit))
+    return reportUsageError("search", "--limit wants a number of 1 or more");
+  if (line.has("since") && !parseDateArgument(line.value("since"), false, query.since))
+    return reportUsageError("search", "--since wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
+  if (line.has("until") && !parseDateArgument(line.value("until"), true, query.until))
+    return reportUsageError("search", "--until wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
+  const bool json = line.has("json");
+  if (!json && standardOutputIsTerminal()) {
+    query.markStart = "\033[1m";
+    query.markEnd = "\033[0m";
+  } else if (!json) {
+    query.markStart = "[";
+    query.markEnd = "]";
+  }
+  std::string error;
+  const std::unique_ptr<IndexDb> db =
+      IndexDb::open(settings.databasePath, IndexDb::Access::ReadOnly, error);
+  if (!db)
+    return reportError(error);
+  std::vector<SearchHit> hits;
+  if (!db->search(query, hits, error))
+    return reportUsageError("search", "the query can't be read (" + error +
+                                          "); put words with punctuation in double quotes, "
+                                          "e.g. from:\"ann@example.org\"");
+  if (!db->ok())
+    return reportError(db->errorText());
+  for (const SearchHit &hit : hits)
+    json ? printJsonHit(hit) : printHit(hit);
+  if (hits.empty() && !json)
+    std::fprintf(stderr, "no hits\n");
+  return kExitOk;
+}

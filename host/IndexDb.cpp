@@ -1,0 +1,205 @@
+// Opening the index: telling our database from a foreign, damaged or locked one, making
+// the schema, transactions and the wording of errors.
+#include "host/IndexDb.h"
+
+#include "host/IndexStatements.h"
+
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
+
+namespace {
+
+// "tkmh": the database is mhhost's. user_version is the schema's version.
+constexpr int64_t kApplicationId = 0x746B6D68;
+constexpr int64_t kSchemaVersion = 1;
+constexpr int kBusyTimeoutMs = 3000;
+
+const char kSchema[] = R"sql(
+CREATE TABLE agents(
+  id INTEGER PRIMARY KEY,
+  key TEXT NOT NULL UNIQUE,
+  tree_state INTEGER NOT NULL DEFAULT 0
+);
+CREATE TABLE mailboxes(
+  id INTEGER PRIMARY KEY,
+  agent INTEGER NOT NULL REFERENCES agents(id),
+  path TEXT NOT NULL,
+  file_state INTEGER NOT NULL DEFAULT 0,
+  UNIQUE(agent, path)
+);
+CREATE TABLE objects(
+  id INTEGER PRIMARY KEY,
+  mailbox INTEGER NOT NULL REFERENCES mailboxes(id),
+  offset INTEGER NOT NULL,
+  length INTEGER NOT NULL,
+  checksum INTEGER NOT NULL,
+  time INTEGER NOT NULL,
+  stamp INTEGER NOT NULL,
+  record BLOB NOT NULL
+);
+CREATE INDEX objects_of_mailbox ON objects(mailbox);
+CREATE VIRTUAL TABLE texts USING fts5(subject, "from", "to", cc, body,
+                                      tokenize = 'unicode61 remove_diacritics 2');
+INSERT INTO texts(texts, rank) VALUES('rank', 'bm25(4.0, 2.0, 1.0, 1.0, 1.0)');
+)sql";
+
+// Makes the folders above `path`; false with `error` when one can't be made.
+bool makeParentFolders(const std::string &path, std::string &error) {
+  for (size_t slash = path.find('/', 1); slash != std::string::npos;
+       slash = path.find('/', slash + 1)) {
+    const std::string folder = path.substr(0, slash);
+    if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
+      error = "cannot make the folder " + folder + ": " + std::strerror(errno);
+      return false;
+    }
+  }
+  return true;
+}
+
+int64_t pragmaValue(SqliteConnection &connection, const char *sql) {
+  Statement statement(connection, sql);
+  return statement.step() ? statement.integer(0) : 0;
+}
+
+} // namespace
+
+IndexDb::IndexDb(std::unique_ptr<SqliteConnection> connection, std::string path)
+    : connection_(std::move(connection)), path_(std::move(path)), statements_(new Statements) {}
+
+IndexDb::~IndexDb() {
+  // Statements go before the connection they belong to.
+  statements_.reset();
+}
+
+std::unique_ptr<IndexDb> IndexDb::open(const std::string &path, Access access, std::string &error) {
+  struct stat status;
+  const bool exists = stat(path.c_str(), &status) == 0;
+  if (access == Access::ReadOnly && !exists) {
+    error = "there is no index at " + path + " yet: run mhhost index first";
+    return nullptr;
+  }
+  if (exists && !S_ISREG(status.st_mode)) {
+    error = path + " is no file; give the index's file with --db";
+    return nullptr;
+  }
+  if (!exists && !makeParentFolders(path, error))
+    return nullptr;
+  const int flags = access == Access::ReadOnly ? SQLITE_OPEN_READONLY
+                                               : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  int openStatus = SQLITE_OK;
+  std::string reason;
+  std::unique_ptr<SqliteConnection> connection =
+      SqliteConnection::open(path, flags, openStatus, reason);
+  if (!connection) {
+    error = "cannot open the index " + path + ": " + reason;
+    return nullptr;
+  }
+  sqlite3_busy_timeout(connection->handle(), kBusyTimeoutMs);
+  std::unique_ptr<IndexDb> db(new IndexDb(std::move(connection), path));
+  if (!db->claim(access, error))
+    return nullptr;
+  return db;
+}
+
+bool IndexDb::claim(Access access, std::string &error) {
+  const int64_t applicationId = pragmaValue(*connection_, "PRAGMA application_id");
+  if (!connection_->ok()) {
+    error = errorText();
+    return false;
+  }
+  if (applicationId == kApplicationId) {
+    const int64_t version = pragmaValue(*connection_, "PRAGMA user_version");
+    if (version != kSchemaVersion) {
+      error = path_ + " is an index of another version of mhhost (schema " +
+              std::to_string(version) + ", this one reads " + std::to_string(kSchemaVersion) +
+              "); it was left as it is";
+      return false;
+    }
+  } else if (applicationId != 0 ||
+             pragmaValue(*connection_, "SELECT count(*) FROM sqlite_schema") != 0) {
+    error = path_ + " is a database of another program, not an mhhost index; it was left as "
+                    "it is (give another file with --db)";
+    return false;
+  } else if (access == Access::ReadOnly) {
+    error = "the index " + path_ + " is empty: run mhhost index first";
+    return false;
+  } else if (!createSchema()) {
+    error = errorText();
+    return false;
+  }
+  if (access == Access::ReadWrite &&
+      !connection_->exec("PRAGMA synchronous = NORMAL; PRAGMA cache_size = -65536;"
+                         "PRAGMA temp_store = MEMORY;")) {
+    error = errorText();
+    return false;
+  }
+  return true;
+}
+
+bool IndexDb::createSchema() {
+  // The rollback journal, not WAL: a first run writes each new page once, where WAL would
+  // write it twice (once to the log, once at the checkpoint).
+  if (!begin())
+    return false;
+  // Another process may have made the schema since the check.
+  const bool stillEmpty = pragmaValue(*connection_, "PRAGMA application_id") == 0 &&
+                          pragmaValue(*connection_, "SELECT count(*) FROM sqlite_schema") == 0;
+  if (stillEmpty) {
+    connection_->exec(kSchema);
+    connection_->exec("PRAGMA application_id = " + std::to_string(kApplicationId) +
+                      "; PRAGMA user_version = " + std::to_string(kSchemaVersion));
+  }
+  if (!ok() || !commit()) {
+    rollback();
+    return false;
+  }
+  return stillEmpty || pragmaValue(*connection_, "PRAGMA application_id") == kApplicationId;
+}
+
+bool IndexDb::begin() {
+  return connection_->exec("BEGIN IMMEDIATE");
+}
+
+bool IndexDb::commit() {
+  return connection_->exec("COMMIT");
+}
+
+void IndexDb::rollback() {
+  if (!sqlite3_get_autocommit(connection_->handle()))
+    sqlite3_exec(connection_->handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+std::string IndexDb::errorText() const {
+  if (connection_->ok())
+    return std::string();
+  const std::string detail = connection_->errorMessage();
+  switch (connection_->errorStatus() & 0xff) {
+  case SQLITE_BUSY:
+  case SQLITE_LOCKED:
+    return "the index " + path_ +
+           " is locked by another process (another mhhost?); try "
+           "again when it is done";
+  case SQLITE_CORRUPT:
+    return "the index " + path_ + " is damaged (" + detail +
+           "); it was left as it is: move it away and run mhhost index to build a new one";
+  case SQLITE_NOTADB:
+    return path_ + " is not an mhhost index (not an SQLite database); it was left as it is "
+                   "(give another file with --db)";
+  case SQLITE_FULL:
+    return "the disk of the index " + path_ + " is full; nothing was changed";
+  case SQLITE_READONLY:
+  case SQLITE_CANTOPEN:
+  case SQLITE_PERM:
+    return "cannot write the index " + path_ + " (" + detail + ")";
+  default:
+    return "the index " + path_ + ": " + detail;
+  }
+}
+
+Statement &IndexDb::prepared(std::unique_ptr<Statement> &slot, const char *sql) {
+  if (!slot)
+    slot.reset(new Statement(*connection_, sql));
+  slot->reset();
+  return *slot;
+}

@@ -1,0 +1,107 @@
+// The search index: an SQLite database of mhhost's own (marked by its application id), with
+// the agents it indexed, their mailboxes, each object's record, time and fields, and an FTS5
+// table of the text (subject, from, to, cc, body) whose rowid is the object's id.
+//
+// A database that is not ours, damaged or locked is never changed: open() fails with a
+// message that says so. Every write happens in the caller's transaction.
+#pragma once
+
+#include "host/PropertyBlock.h"
+#include "host/RecordBuffer.h"
+#include "host/Sqlite.h"
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct StoredMailbox {
+  int64_t id = 0;
+  std::string path;
+  int64_t objectCount = 0;
+  // The record with the latest stamp: while keepObject keeps it, the mailbox file has not
+  // been written since the last walk, and every object of it stands.
+  std::string record;
+  int64_t fileState = 0;
+};
+
+struct StoredObject {
+  int64_t id = 0;
+  uint32_t offset = 0, length = 0, checksum = 0;
+  std::string record;
+};
+
+struct SearchQuery {
+  std::string match;    // FTS5 query syntax
+  std::string agentKey; // empty: every agent's objects
+  int64_t since = std::numeric_limits<int64_t>::min();
+  int64_t until = std::numeric_limits<int64_t>::max();
+  int64_t limit = 20;
+  std::string markStart, markEnd; // around matched words in the snippet
+};
+
+struct SearchHit {
+  int64_t id = 0;
+  std::string agentKey;
+  std::string path;
+  uint32_t offset = 0, length = 0;
+  int32_t time = 0;
+  std::string from, subject, snippet;
+};
+
+struct IndexedObject {
+  int64_t id = 0;
+  std::string agentKey;
+  std::string record;
+};
+
+class IndexDb {
+public:
+  enum class Access { ReadOnly, ReadWrite };
+
+  // ReadWrite makes the file and its folders when they are missing; ReadOnly wants an index.
+  static std::unique_ptr<IndexDb> open(const std::string &path, Access access, std::string &error);
+  IndexDb(const IndexDb &) = delete;
+  IndexDb &operator=(const IndexDb &) = delete;
+  ~IndexDb();
+
+  // The first error of any call, as a sentence for the person; empty while there is none.
+  bool ok() const { return connection_->ok(); }
+  std::string errorText() const;
+
+  bool begin();
+  bool commit();
+  void rollback();
+
+  // ---- indexing (IndexUpdates.cpp)
+  std::vector<std::string> agentKeys();
+  int64_t agentId(const std::string &agentKey); // made when missing; 0 on an error
+  int64_t treeState(int64_t agent);
+  void setTreeState(int64_t agent, int64_t state);
+  std::vector<StoredMailbox> mailboxes(int64_t agent);
+  int64_t addMailbox(int64_t agent, const std::string &path);
+  void setFileState(int64_t mailbox, int64_t state);
+  void removeMailbox(int64_t mailbox);
+  std::vector<StoredObject> objects(int64_t mailbox);
+  int64_t addObject(int64_t mailbox, const RecordBuffer &record, int32_t time,
+                    const MessageFields &fields, const std::string &body);
+  void replaceRecord(int64_t object, const RecordBuffer &record);
+  void removeObject(int64_t object);
+
+  // ---- searching (IndexQueries.cpp)
+  // False with `error` for a query FTS5 can't read; other errors go to ok()/errorText().
+  bool search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error);
+  bool findObject(int64_t id, IndexedObject &object);
+
+private:
+  IndexDb(std::unique_ptr<SqliteConnection> connection, std::string path);
+  bool claim(Access access, std::string &error);
+  bool createSchema();
+  Statement &prepared(std::unique_ptr<Statement> &slot, const char *sql);
+
+  std::unique_ptr<SqliteConnection> connection_;
+  std::string path_;
+  struct Statements;
+  std::unique_ptr<Statements> statements_;
+};

@@ -1,0 +1,134 @@
+// The index's writes: agents, mailboxes and objects with their text.
+#include "host/IndexDb.h"
+
+#include "host/IndexStatements.h"
+
+std::vector<std::string> IndexDb::agentKeys() {
+  Statement &select = prepared(statements_->agentKeys, "SELECT key FROM agents ORDER BY id");
+  std::vector<std::string> keys;
+  while (select.step())
+    keys.push_back(select.text(0));
+  return keys;
+}
+
+int64_t IndexDb::agentId(const std::string &agentKey) {
+  Statement &select = prepared(statements_->findAgent, "SELECT id FROM agents WHERE key = ?");
+  if (select.bind(1, agentKey).step())
+    return select.integer(0);
+  Statement &insert = prepared(statements_->insertAgent, "INSERT INTO agents(key) VALUES(?)");
+  if (!insert.bind(1, agentKey).run())
+    return 0;
+  return sqlite3_last_insert_rowid(connection_->handle());
+}
+
+int64_t IndexDb::treeState(int64_t agent) {
+  Statement &select =
+      prepared(statements_->treeState, "SELECT tree_state FROM agents WHERE id = ?");
+  return select.bind(1, agent).step() ? select.integer(0) : 0;
+}
+
+void IndexDb::setTreeState(int64_t agent, int64_t state) {
+  prepared(statements_->setTreeState, "UPDATE agents SET tree_state = ? WHERE id = ?")
+      .bind(1, state)
+      .bind(2, agent)
+      .run();
+}
+
+std::vector<StoredMailbox> IndexDb::mailboxes(int64_t agent) {
+  Statement &select = prepared(statements_->mailboxes, R"sql(
+    SELECT m.id, m.path, m.file_state, count(o.id),
+           (SELECT record FROM objects WHERE mailbox = m.id ORDER BY stamp DESC LIMIT 1)
+    FROM mailboxes m LEFT JOIN objects o ON o.mailbox = m.id
+    WHERE m.agent = ? GROUP BY m.id ORDER BY m.id)sql");
+  std::vector<StoredMailbox> found;
+  select.bind(1, agent);
+  while (select.step()) {
+    StoredMailbox mailbox;
+    mailbox.id = select.integer(0);
+    mailbox.path = select.text(1);
+    mailbox.fileState = select.integer(2);
+    mailbox.objectCount = select.integer(3);
+    mailbox.record = select.blob(4);
+    found.push_back(std::move(mailbox));
+  }
+  return found;
+}
+
+int64_t IndexDb::addMailbox(int64_t agent, const std::string &path) {
+  Statement &insert =
+      prepared(statements_->insertMailbox, "INSERT INTO mailboxes(agent, path) VALUES(?, ?)");
+  if (!insert.bind(1, agent).bind(2, path).run())
+    return 0;
+  return sqlite3_last_insert_rowid(connection_->handle());
+}
+
+void IndexDb::setFileState(int64_t mailbox, int64_t state) {
+  prepared(statements_->setFileState, "UPDATE mailboxes SET file_state = ? WHERE id = ?")
+      .bind(1, state)
+      .bind(2, mailbox)
+      .run();
+}
+
+void IndexDb::removeMailbox(int64_t mailbox) {
+  prepared(statements_->deleteMailbox, "DELETE FROM mailboxes WHERE id = ?").bind(1, mailbox).run();
+}
+
+std::vector<StoredObject> IndexDb::objects(int64_t mailbox) {
+  Statement &select =
+      prepared(statements_->objects, "SELECT id, offset, length, checksum, record FROM objects "
+                                     "WHERE mailbox = ? ORDER BY id");
+  std::vector<StoredObject> found;
+  select.bind(1, mailbox);
+  while (select.step()) {
+    StoredObject object;
+    object.id = select.integer(0);
+    object.offset = static_cast<uint32_t>(select.integer(1));
+    object.length = static_cast<uint32_t>(select.integer(2));
+    object.checksum = static_cast<uint32_t>(select.integer(3));
+    object.record = select.blob(4);
+    found.push_back(std::move(object));
+  }
+  return found;
+}
+
+int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t time,
+                           const MessageFields &fields, const std::string &body) {
+  Statement &insert = prepared(statements_->insertObject,
+                               "INSERT INTO objects(mailbox, offset, length, checksum, time, "
+                               "stamp, record) VALUES(?, ?, ?, ?, ?, ?, ?)");
+  if (!insert.bind(1, mailbox)
+           .bind(2, record->offset)
+           .bind(3, record->length)
+           .bind(4, record->checksum)
+           .bind(5, time)
+           .bind(6, record->mailboxStamp)
+           .bindBlob(7, record.bytes(), record.filledSize())
+           .run())
+    return 0;
+  const int64_t id = sqlite3_last_insert_rowid(connection_->handle());
+  Statement &text = prepared(statements_->insertText,
+                             "INSERT INTO texts(rowid, subject, \"from\", \"to\", cc, body) "
+                             "VALUES(?, ?, ?, ?, ?, ?)");
+  if (!text.bind(1, id)
+           .bindStatic(2, fields.subject.data(), fields.subject.size())
+           .bindStatic(3, fields.from.data(), fields.from.size())
+           .bindStatic(4, fields.to.data(), fields.to.size())
+           .bindStatic(5, fields.cc.data(), fields.cc.size())
+           .bindStatic(6, body.data(), body.size())
+           .run())
+    return 0;
+  return id;
+}
+
+void IndexDb::replaceRecord(int64_t object, const RecordBuffer &record) {
+  prepared(statements_->replaceRecord, "UPDATE objects SET stamp = ?, record = ? WHERE id = ?")
+      .bind(1, record->mailboxStamp)
+      .bindBlob(2, record.bytes(), record.filledSize())
+      .bind(3, object)
+      .run();
+}
+
+void IndexDb::removeObject(int64_t object) {
+  prepared(statements_->deleteText, "DELETE FROM texts WHERE rowid = ?").bind(1, object).run();
+  prepared(statements_->deleteObject, "DELETE FROM objects WHERE id = ?").bind(1, object).run();
+}

@@ -1,0 +1,228 @@
+// The index run: the mailbox check, the walk, new objects, and the objects that are gone.
+#include "host/Indexer.h"
+
+#include "host/OpenedObject.h"
+#include "host/StoreWalk.h"
+
+#include <algorithm>
+#include <memory>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace {
+
+// What identifies an object within its mailbox: the place and the checksum of its bytes.
+struct ObjectKey {
+  uint32_t offset, length, checksum;
+  bool operator==(const ObjectKey &other) const {
+    return offset == other.offset && length == other.length && checksum == other.checksum;
+  }
+};
+
+struct ObjectKeyHash {
+  size_t operator()(const ObjectKey &key) const {
+    uint64_t h = key.offset * 0x9E3779B97F4A7C15ull;
+    h ^= (key.length + 0x632BE59BD9B4E019ull) * 0xC2B2AE3D27D4EB4Full;
+    h ^= key.checksum * 0x165667B19E3779F9ull;
+    return static_cast<size_t>(h ^ (h >> 29));
+  }
+};
+
+// A mailbox that is read in this run: a changed one from the index, or a new one.
+struct MailboxWork {
+  int64_t id = 0;
+  int64_t fileState = 0; // as scanned before the walk
+  bool storedLoaded = false;
+  std::vector<StoredObject> stored;
+  std::unordered_map<ObjectKey, size_t, ObjectKeyHash> storedByKey;
+  std::vector<bool> storedSeen;
+  std::unordered_set<ObjectKey, ObjectKeyHash> walked;
+  MailboxReport report;
+};
+
+int64_t scannedState(const StoreTree &tree, const std::string &path) {
+  const auto found = tree.fileStates.find(path);
+  return found != tree.fileStates.end() ? found->second : fileStateOf(path);
+}
+
+class IndexRun {
+public:
+  IndexRun(const AgentEntryTable &entries, IndexDb &db, int64_t agent, const StoreTree &tree,
+           ProgressBar &progress, IndexSummary &summary)
+      : entries_(entries), db_(db), agent_(agent), tree_(tree), progress_(progress),
+        summary_(summary) {}
+
+  void run() {
+    checkStoredMailboxes();
+    if (works_.empty() && db_.treeState(agent_) == tree_.fingerprint)
+      return;
+    summary_.walked = true;
+    walkStore();
+    if (!db_.ok())
+      return;
+    for (const std::unique_ptr<MailboxWork> &work : works_)
+      finishMailbox(*work);
+    db_.setTreeState(agent_, tree_.fingerprint);
+  }
+
+private:
+  // One keepObject per mailbox, and the mailbox file's state: together they say whether a
+  // mailbox must be read again. The file's state also catches a write within the second of
+  // the last walk, which the stamp can't tell.
+  void checkStoredMailboxes() {
+    RecordBuffer record;
+    for (StoredMailbox &mailbox : db_.mailboxes(agent_)) {
+      const int64_t state = scannedState(tree_, mailbox.path);
+      const bool kept = mailbox.objectCount > 0 &&
+                        record.assign(mailbox.record.data(), mailbox.record.size()) &&
+                        entries_.keepObject(record.get(), 0) == 1 && state == mailbox.fileState;
+      if (kept) {
+        unchangedPaths_.insert(mailbox.path);
+        summary_.unchanged += static_cast<uint64_t>(mailbox.objectCount);
+        ++summary_.mailboxesUnchanged;
+        continue;
+      }
+      MailboxWork &work = addWork(mailbox.path);
+      work.id = mailbox.id;
+      work.fileState = state;
+    }
+  }
+
+  MailboxWork &addWork(const std::string &path) {
+    works_.emplace_back(new MailboxWork);
+    works_.back()->report.path = path;
+    workByPath_[path] = works_.back().get();
+    return *works_.back();
+  }
+
+  void walkStore() {
+    StoreWalk walk(entries_);
+    int32_t time = -1;
+    uint64_t bytesWalked = 0;
+    while (const ObjectRecord *record = walk.next(time)) {
+      if (!db_.ok())
+        return;
+      bytesWalked += record->length;
+      progress_.update(bytesWalked, tree_.totalBytes, addedSoFar_, "new");
+      const std::string path = walk.record().path();
+      if (unchangedPaths_.count(path) != 0)
+        continue;
+      MailboxWork *work = workFor(path);
+      if (work == nullptr)
+        return;
+      takeRecord(*work, walk.record());
+    }
+    summary_.walkedObjects = walk.count();
+  }
+
+  MailboxWork *workFor(const std::string &path) {
+    const auto found = workByPath_.find(path);
+    if (found != workByPath_.end())
+      return found->second;
+    const int64_t id = db_.addMailbox(agent_, path);
+    if (id == 0)
+      return nullptr;
+    MailboxWork &work = addWork(path);
+    work.id = id;
+    work.fileState = scannedState(tree_, path);
+    work.storedLoaded = true; // a new mailbox has nothing stored
+    return &work;
+  }
+
+  void loadStored(MailboxWork &work) {
+    work.storedLoaded = true;
+    work.stored = db_.objects(work.id);
+    work.storedSeen.assign(work.stored.size(), false);
+    for (size_t i = 0; i < work.stored.size(); ++i) {
+      const StoredObject &object = work.stored[i];
+      work.storedByKey.emplace(ObjectKey{object.offset, object.length, object.checksum}, i);
+    }
+  }
+
+  void takeRecord(MailboxWork &work, const RecordBuffer &record) {
+    if (!work.storedLoaded)
+      loadStored(work);
+    const ObjectKey key{record->offset, record->length, record->checksum};
+    if (!work.walked.insert(key).second)
+      return; // given twice, after a restart of the walk
+    const auto stored = work.storedByKey.find(key);
+    if (stored != work.storedByKey.end()) {
+      // The same bytes at the same place: the object stays; its record takes the new stamp.
+      work.storedSeen[stored->second] = true;
+      db_.replaceRecord(work.stored[stored->second].id, record);
+      ++work.report.unchanged;
+      return;
+    }
+    addObject(work, record);
+  }
+
+  void addObject(MailboxWork &work, const RecordBuffer &record) {
+    OpenedObject object(entries_, record.get());
+    body_.clear();
+    if (!object.isOpen() || !object.readBody(body_)) {
+      ++work.report.failed;
+      return;
+    }
+    MessageFields fields;
+    if (!object.readFields(fields))
+      fields = MessageFields();
+    // Zero bytes end a C string: in the stored text they are blanks.
+    std::replace(body_.begin(), body_.end(), '\0', ' ');
+    if (db_.addObject(work.id, record, object.time(), fields, body_) != 0) {
+      ++work.report.added;
+      ++addedSoFar_;
+      summary_.bytes += record->length;
+    }
+  }
+
+  // Stored objects the walk did not give again stay while they still open.
+  void finishMailbox(MailboxWork &work) {
+    if (!work.storedLoaded)
+      loadStored(work);
+    RecordBuffer record;
+    uint64_t remaining = work.report.added + work.report.unchanged;
+    for (size_t i = 0; i < work.stored.size() && db_.ok(); ++i) {
+      if (work.storedSeen[i])
+        continue;
+      const StoredObject &object = work.stored[i];
+      const bool stillOpens = record.assign(object.record.data(), object.record.size()) &&
+                              OpenedObject(entries_, record.get()).isOpen();
+      if (stillOpens) {
+        ++work.report.unchanged;
+        ++remaining;
+      } else {
+        db_.removeObject(object.id);
+        ++work.report.removed;
+      }
+    }
+    if (remaining == 0)
+      db_.removeMailbox(work.id);
+    else
+      db_.setFileState(work.id, work.fileState);
+    summary_.added += work.report.added;
+    summary_.unchanged += work.report.unchanged;
+    summary_.removed += work.report.removed;
+    summary_.failed += work.report.failed;
+    ++summary_.mailboxesRead;
+    summary_.mailboxes.push_back(work.report);
+  }
+
+  const AgentEntryTable &entries_;
+  IndexDb &db_;
+  const int64_t agent_;
+  const StoreTree &tree_;
+  ProgressBar &progress_;
+  IndexSummary &summary_;
+  std::unordered_set<std::string> unchangedPaths_;
+  std::vector<std::unique_ptr<MailboxWork>> works_;
+  std::unordered_map<std::string, MailboxWork *> workByPath_;
+  std::string body_;
+  uint64_t addedSoFar_ = 0;
+};
+
+} // namespace
+
+void updateIndex(const AgentEntryTable &entries, IndexDb &db, int64_t agent, const StoreTree &tree,
+                 ProgressBar &progress, IndexSummary &summary) {
+  IndexRun(entries, db, agent, tree, progress, summary).run();
+}

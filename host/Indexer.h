@@ -1,0 +1,38 @@
+// Bringing the index of one agent's store up to date.
+//
+// First run: every object the walk gives is opened, its body read and its fields taken, and
+// its record, time, fields and text are stored. Later runs ask keepObject once per stored
+// mailbox (all records of a mailbox share its stamp) and compare the mailbox file's state:
+// an unchanged mailbox is not read again. The store is walked only when a mailbox changed
+// or the tree below the mail directory did (a mailbox may have been added); then only new
+// records are opened, and stored records of changed mailboxes that the walk did not give
+// again are dropped when they no longer open.
+#pragma once
+
+#include "agent/AgentAbi.h"
+#include "host/IndexDb.h"
+#include "host/StoreTree.h"
+#include "host/Terminal.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct MailboxReport {
+  std::string path;
+  uint64_t added = 0, unchanged = 0, removed = 0, failed = 0;
+};
+
+struct IndexSummary {
+  uint64_t added = 0, unchanged = 0, removed = 0, failed = 0;
+  uint64_t mailboxesRead = 0, mailboxesUnchanged = 0;
+  uint64_t bytes = 0;  // of the messages read
+  bool walked = false; // whether the store was walked
+  uint64_t walkedObjects = 0;
+  std::vector<MailboxReport> mailboxes; // those read, in the order of the walk
+};
+
+// Updates `agent`'s objects in `db`, inside the caller's transaction. Database errors stop
+// the run; the caller finds them in db.ok().
+void updateIndex(const AgentEntryTable &entries, IndexDb &db, int64_t agent, const StoreTree &tree,
+                 ProgressBar &progress, IndexSummary &summary);

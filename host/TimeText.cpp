@@ -1,0 +1,57 @@
+// Reading --since and --until, and writing an object's time.
+#include "host/TimeText.h"
+
+#include <cstdio>
+#include <ctime>
+
+bool parseDateArgument(const std::string &text, bool endOfDay, int64_t &seconds) {
+  int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+  char separator = ' ';
+  int consumed = -1;
+  const char *line = text.c_str();
+  const int whole = static_cast<int>(text.size());
+  const auto matches = [&](int fields, int wanted) {
+    return fields == wanted && consumed == whole;
+  };
+  bool dateOnly = false;
+  if (matches(std::sscanf(line, "%4d-%2d-%2d%n", &year, &month, &day, &consumed), 3)) {
+    dateOnly = true;
+  } else if (!matches(std::sscanf(line, "%4d-%2d-%2d%c%2d:%2d%n", &year, &month, &day, &separator,
+                                  &hour, &minute, &consumed),
+                      6) &&
+             !matches(std::sscanf(line, "%4d-%2d-%2d%c%2d:%2d:%2d%n", &year, &month, &day,
+                                  &separator, &hour, &minute, &second, &consumed),
+                      7)) {
+    return false;
+  }
+  if (separator != ' ' && separator != 'T')
+    return false;
+  if (month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 || second > 60 ||
+      hour < 0 || minute < 0 || second < 0 || year < 1900)
+    return false;
+  struct tm fieldsOfTime = {};
+  fieldsOfTime.tm_year = year - 1900;
+  fieldsOfTime.tm_mon = month - 1;
+  fieldsOfTime.tm_mday = day;
+  fieldsOfTime.tm_hour = dateOnly && endOfDay ? 23 : hour;
+  fieldsOfTime.tm_min = dateOnly && endOfDay ? 59 : minute;
+  fieldsOfTime.tm_sec = dateOnly && endOfDay ? 59 : second;
+  fieldsOfTime.tm_isdst = -1;
+  const time_t result = mktime(&fieldsOfTime);
+  if (result == static_cast<time_t>(-1))
+    return false;
+  seconds = static_cast<int64_t>(result);
+  return true;
+}
+
+std::string formatTime(int32_t seconds) {
+  if (seconds == -1)
+    return "-";
+  const time_t value = seconds;
+  struct tm local = {};
+  if (localtime_r(&value, &local) == nullptr)
+    return "-";
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &local);
+  return text;
+}

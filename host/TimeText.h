@@ -1,0 +1,13 @@
+// Times as a person reads and writes them, in the local time zone (the agent's times come
+// from mktime in the same zone).
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// "YYYY-MM-DD", "YYYY-MM-DD HH:MM" or "YYYY-MM-DD HH:MM:SS" (a "T" may stand for the blank).
+// A bare date is its first second, or with `endOfDay` its last. False when it is no date.
+bool parseDateArgument(const std::string &text, bool endOfDay, int64_t &seconds);
+
+// "YYYY-MM-DD HH:MM", or "-" for the time -1 that stands for a date mktime couldn't give.
+std::string formatTime(int32_t seconds);

@@ -1,0 +1,237 @@
+// mhhost on bad input: wrong command lines, a database that is not ours, damaged or locked,
+// a store that is not there, a missing agent. A clear message, status 1 or 2, nothing lost.
+#include "tests/host/ClientStores.h"
+#include "tests/host/HostFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+const TestMessage kNote = {"Thu, 15 Jan 1998 10:30:45 +0000",
+                           "Ann Lee <ann@example.org>",
+                           "team@example.org",
+                           "",
+                           "Status note",
+                           "All is well.\n"};
+
+class HostErrorsTest : public HostFixture, public ::testing::Test {
+protected:
+  // An indexed Eudora store of one message.
+  void indexOneMessage() {
+    writeMailbox("eudora", dir.file("mail/In"), {kNote});
+    setRegistryValue("eudora", "MailPath", dir.file("mail"));
+    const HostResult run = host({"--client", "eudora", "index"});
+    ASSERT_EQ(0, run.status) << run.err;
+  }
+  // A 4-byte big-endian field of the database header.
+  void setHeaderWord(size_t offset, uint32_t value) {
+    std::string bytes = readFile(database);
+    ASSERT_GT(bytes.size(), offset + 4);
+    for (int i = 0; i < 4; ++i)
+      bytes[offset + i] = static_cast<char>(value >> (24 - 8 * i));
+    writeFile(database, bytes);
+  }
+  // The database is refused, left byte for byte as it was, and the message says why.
+  void expectRefused(const std::string &why) {
+    const std::string before = readFile(database);
+    for (const std::vector<std::string> &command :
+         {std::vector<std::string>{"--client", "eudora", "index"},
+          std::vector<std::string>{"search", "status"}, std::vector<std::string>{"show", "1"}}) {
+      const HostResult run = host(command);
+      EXPECT_EQ(1, run.status) << command[0] << ": " << run.err;
+      EXPECT_NE(std::string::npos, run.err.find(why)) << run.err;
+      EXPECT_EQ("", run.out);
+    }
+    EXPECT_EQ(before, readFile(database));
+  }
+};
+
+TEST_F(HostErrorsTest, UsageErrorsExitWithTwo) {
+  const std::vector<std::vector<std::string>> wrong = {
+      {},
+      {"frobnicate"},
+      {"index", "--frob"},
+      {"index", "--json"},
+      {"--client", "mutt", "index"},
+      {"--key", "Software\\Tuk\\Agents\\MHMutt", "index"},
+      {"--client", "eudora", "--key", "Software\\X\\MHEudora", "index"},
+      {"list"},
+      {"config", "--client", "eudora"},
+      {"config", "--client", "netscape", "--mail-dir", "/tmp", "--attachments", "on"},
+      {"config", "--client", "eudora", "--mail-dir", "/tmp", "--attachments", "maybe"},
+      {"search"},
+      {"search", "a", "b"},
+      {"search", "x", "--limit", "0"},
+      {"search", "x", "--since", "yesterday"},
+      {"search", "x", "--until", "1998-13-01"},
+      {"search", "x", "--db"},
+      {"show", "first"},
+      {"cat"},
+      {"index", "--stats=yes"},
+  };
+  for (const std::vector<std::string> &arguments : wrong) {
+    const HostResult run = host(arguments);
+    std::string line;
+    for (const std::string &word : arguments)
+      line += word + " ";
+    EXPECT_EQ(2, run.status) << line << run.err;
+    EXPECT_FALSE(run.err.empty()) << line;
+    EXPECT_EQ("", run.out) << line;
+  }
+  // An index holding nothing yet can't say which store "index" alone should mean.
+  EXPECT_EQ(2, host({"index"}).status);
+}
+
+TEST_F(HostErrorsTest, EveryCommandHasItsHelp) {
+  for (const char *command : {"config", "list", "index", "search", "show", "cat", "demo"}) {
+    const HostResult run = hostAlone({command, "--help"});
+    EXPECT_EQ(0, run.status) << command;
+    EXPECT_EQ(0u, run.out.find(std::string("Usage: mhhost ") + command)) << run.out;
+    EXPECT_NE(std::string::npos, run.out.find("--registry FILE"));
+  }
+  const HostResult general = hostAlone({"--help"});
+  EXPECT_EQ(0, general.status);
+  EXPECT_NE(std::string::npos, general.out.find("search QUERY"));
+}
+
+TEST_F(HostErrorsTest, AQueryFts5CantReadIsAUsageError) {
+  indexOneMessage();
+  const HostResult run = host({"search", "ann@example.org"});
+  EXPECT_EQ(2, run.status);
+  EXPECT_NE(std::string::npos, run.err.find("double quotes")) << run.err;
+  EXPECT_EQ(1u, searchJson("from:\"ann@example.org\"").size());
+}
+
+TEST_F(HostErrorsTest, ADatabaseOfAnotherProgramIsLeftAlone) {
+  indexOneMessage();
+  setHeaderWord(68, 0x12345678); // the application id
+  expectRefused("another program");
+}
+
+TEST_F(HostErrorsTest, AnSqliteDatabaseWithoutOurMarkIsLeftAlone) {
+  indexOneMessage();
+  setHeaderWord(68, 0);
+  expectRefused("another program");
+}
+
+TEST_F(HostErrorsTest, AFileThatIsNoDatabaseIsLeftAlone) {
+  writeFile(database, "These are my notes, not a database.\n" + std::string(600, 'x'));
+  expectRefused("not an SQLite database");
+}
+
+TEST_F(HostErrorsTest, ADamagedIndexIsLeftAlone) {
+  indexOneMessage();
+  std::string bytes = readFile(database);
+  ASSERT_GT(bytes.size(), 8192u);
+  // Every page but the first (the header and the schema) is overwritten.
+  for (size_t i = 4096; i < bytes.size(); ++i)
+    bytes[i] = static_cast<char>(0xA5 ^ i);
+  writeFile(database, bytes);
+  expectRefused("damaged");
+}
+
+TEST_F(HostErrorsTest, ALockedIndexIsReportedAndLeftAlone) {
+  indexOneMessage();
+  // Read first: closing any descriptor of the file would drop this process's lock.
+  const std::string before = readFile(database);
+  const int fd = open(database.c_str(), O_RDWR);
+  ASSERT_GE(fd, 0);
+  struct flock lock = {};
+  lock.l_type = F_WRLCK;
+  lock.l_whence = SEEK_SET; // the whole file: no other process gets even a read lock
+  ASSERT_EQ(0, fcntl(fd, F_SETLK, &lock));
+  const HostResult run = host({"--client", "eudora", "index"});
+  EXPECT_EQ(1, run.status);
+  EXPECT_NE(std::string::npos, run.err.find("locked")) << run.err;
+  close(fd);
+  EXPECT_EQ(before, readFile(database));
+  EXPECT_EQ(1u, searchJson("status").size());
+}
+
+TEST_F(HostErrorsTest, AStoreThatIsNotThereChangesNothing) {
+  indexOneMessage();
+  setRegistryValue("eudora", "MailPath", dir.file("moved-away"));
+  HostResult run = host({"--client", "eudora", "index"});
+  EXPECT_EQ(1, run.status);
+  EXPECT_NE(std::string::npos, run.err.find("is not there")) << run.err;
+  EXPECT_NE(std::string::npos, run.err.find("mhhost config --client eudora"));
+  EXPECT_EQ(1u, searchJson("status").size());
+
+  run = host({"--client", "pegasus", "index"});
+  EXPECT_EQ(1, run.status);
+  EXPECT_NE(std::string::npos, run.err.find("no mail directory is set")) << run.err;
+  run = host({"--client", "pegasus", "list"});
+  EXPECT_EQ(1, run.status);
+}
+
+TEST_F(HostErrorsTest, NoIndexYetIsSaidSo) {
+  for (const std::vector<std::string> &command :
+       {std::vector<std::string>{"search", "x"}, std::vector<std::string>{"show", "1"},
+        std::vector<std::string>{"cat", "1"}}) {
+    const HostResult run = host(command);
+    EXPECT_EQ(1, run.status);
+    EXPECT_NE(std::string::npos, run.err.find("run mhhost index first")) << run.err;
+  }
+  EXPECT_FALSE(fileExists(database)) << "a read must not make an index";
+}
+
+TEST_F(HostErrorsTest, AMissingAgentIsSaidSo) {
+  indexOneMessage();
+  // mhhost and the libraries it links, without the agent beside them.
+  const std::string bin = dir.file("bin");
+  makeDirs(bin);
+  for (const char *name : {"mhhost", "libtuk_cmn.so", "libtuk_platform.so"}) {
+    writeFile(bin + "/" + name, readFile(std::string(TUK_BIN_DIR) + "/" + name));
+    chmod((bin + "/" + name).c_str(), 0755);
+  }
+  const HostResult run = runProgram(
+      bin + "/mhhost", {"--registry", registry, "--db", database, "--client", "eudora", "index"});
+  EXPECT_EQ(1, run.status);
+  EXPECT_NE(std::string::npos, run.err.find("cannot load the agent " + bin + "/tuk_mhmail.so"))
+      << run.err;
+  EXPECT_EQ(1u, searchJson("status").size());
+}
+
+TEST_F(HostErrorsTest, AHitWhoseMessageMovedIsToldByTheAgent) {
+  indexOneMessage();
+  const long long id = searchJson("status").front().numbers.at("id");
+  // Rewritten in place with other bytes at the message's place: the agent's message box.
+  std::string bytes = readFile(dir.file("mail/In.mbx"));
+  bytes.replace(bytes.find("All is well"), 11, "All is gone");
+  writeFile(dir.file("mail/In.mbx"), bytes);
+  HostResult run = host({"show", std::to_string(id)});
+  EXPECT_EQ(1, run.status);
+  EXPECT_EQ(0u, run.out.find("== Eudora Mail ==\nThe mail message could not be found.\n"))
+      << run.out;
+  EXPECT_NE(std::string::npos, run.out.find("Please reindex your mail"));
+  run = host({"cat", std::to_string(id)});
+  EXPECT_EQ(1, run.status);
+  EXPECT_NE(std::string::npos, run.err.find("run mhhost index")) << run.err;
+  // Gone altogether: the agent can't open the mailbox.
+  unlink(dir.file("mail/In.mbx").c_str());
+  run = host({"show", std::to_string(id)});
+  EXPECT_EQ(1, run.status);
+  EXPECT_NE(std::string::npos, run.err.find("can't be opened any more")) << run.err;
+  EXPECT_EQ(1, host({"show", "999"}).status);
+}
+
+TEST_F(HostErrorsTest, JsonLinesEscapeWhatTheMailHolds) {
+  TestMessage odd = kNote;
+  odd.subject = std::string("Quote \" back\\slash tab\t bell\x07 caf\xc3\xa9 latin\xe9 end");
+  odd.from = "\"Lee, Ann\" <ann@example.org>";
+  writeMailbox("eudora", dir.file("mail/In"), {odd});
+  setRegistryValue("eudora", "MailPath", dir.file("mail"));
+  ASSERT_EQ(0, host({"--client", "eudora", "index"}).status);
+  const std::vector<JsonObject> hits = searchJson("quote");
+  ASSERT_EQ(1u, hits.size());
+  // Valid UTF-8 stays; a byte of another code page becomes its Latin-1 character.
+  EXPECT_EQ("Quote \" back\\slash tab\t bell\x07 caf\xc3\xa9 latin\xc3\xa9 end",
+            hits[0].strings.at("subject"));
+  EXPECT_EQ(odd.from, hits[0].strings.at("from"));
+}
+
+} // namespace

@@ -1,0 +1,300 @@
+// mhhost end to end on a generated store of each client: index, search by field and date,
+// show, cat, and the runs after one mailbox changed.
+#include "tests/host/ClientStores.h"
+#include "tests/host/HostFixture.h"
+#include "tests/support/LoadedAgent.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <unistd.h>
+
+namespace {
+
+int64_t utc(int year, int month, int day, int hour, int minute, int second) {
+  struct tm fields = {};
+  fields.tm_year = year - 1900;
+  fields.tm_mon = month - 1;
+  fields.tm_mday = day;
+  fields.tm_hour = hour;
+  fields.tm_min = minute;
+  fields.tm_sec = second;
+  return static_cast<int64_t>(timegm(&fields));
+}
+
+const TestMessage kQuarterly = {"Thu, 15 Jan 1998 10:30:45 +0000",
+                                "Ann Lee <ann@example.org>",
+                                "team@example.org",
+                                "bob@example.org",
+                                "Quarterly report draft",
+                                "The draft of the quarterly report is ready.\n"
+                                "From what I hear the numbers are good.\n"};
+const TestMessage kCorrections = {"Fri, 16 Jan 1998 08:15:02 +0000",
+                                  "Bob Stone <bob@example.org>",
+                                  "ann@example.org",
+                                  "",
+                                  "Corrections",
+                                  "Two corrections on page three.\n"};
+const TestMessage kLunch = {"Wed, 7 May 1997 11:02:33 +0000",
+                            "Carol Diaz <carol@example.net>",
+                            "ann@example.org",
+                            "dave@example.com",
+                            "Lunch on Friday",
+                            "Are you free for lunch?\n"};
+const TestMessage kAppended = {"Sat, 17 Jan 1998 09:00:00 +0000",
+                               "Fay Wu <fay@example.org>",
+                               "ann@example.org",
+                               "",
+                               "Appended later",
+                               "A message that came after the first run.\n"};
+const TestMessage kGarden = {"Mon, 2 Feb 1998 09:00:00 +0000",
+                             "Erik Berg <erik@example.se>",
+                             "garden@example.org",
+                             "",
+                             "Garden meeting",
+                             "Meeting about tomatoes and compost.\n"};
+const TestMessage kUndated = {"", "Dan <dan@example.com>", "ann@example.org",
+                              "", "Undated note",          "No date here.\n"};
+
+class HostStoreTest : public HostFixture, public ::testing::TestWithParam<std::string> {
+protected:
+  void SetUp() override {
+    mail = dir.file("mail");
+    inbox = mail + "/Inbox";
+    work = mail + "/Folders/Work";
+    inboxRanges = writeMailbox(client(), inbox, {kQuarterly, kCorrections, kLunch});
+    writeMailbox(client(), work, {kGarden, kUndated});
+    setRegistryValue(client(), "MailPath", mail);
+  }
+
+  const std::string &client() const { return GetParam(); }
+  std::string inboxFile() const { return mailFileOf(client(), inbox); }
+  std::string workFile() const { return mailFileOf(client(), work); }
+  HostResult index(const std::vector<std::string> &more = {}) {
+    std::vector<std::string> arguments = {"--client", client(), "index", "--stats", "--log"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return host(arguments);
+  }
+  // The id of the one hit of a query.
+  long long idOf(const std::string &query) {
+    const std::vector<JsonObject> hits = searchJson(query);
+    EXPECT_EQ(1u, hits.size()) << query;
+    return hits.empty() ? 0 : hits.front().numbers.at("id");
+  }
+
+  std::string mail, inbox, work;
+  std::vector<MessageRange> inboxRanges;
+};
+
+TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
+  const HostResult run = index();
+  ASSERT_EQ(0, run.status) << run.err;
+  const uint64_t bytes = [&] {
+    uint64_t sum = 0;
+    for (const auto &mailbox : {mailboxOf(client(), {kQuarterly, kCorrections, kLunch}),
+                                mailboxOf(client(), {kGarden, kUndated})})
+      for (const MessageRange &range : mailbox.ranges)
+        sum += range.length;
+    return sum;
+  }();
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 5 new, 0 unchanged, 0 removed, 0 unreadable; "
+                                       "2 of 2 mailboxes read; " +
+                                       std::to_string(bytes) + " bytes in "))
+      << run.out;
+
+  const std::vector<JsonObject> hits = searchJson("subject:quarterly");
+  ASSERT_EQ(1u, hits.size());
+  const JsonObject &hit = hits.front();
+  EXPECT_EQ(inboxFile(), hit.strings.at("path"));
+  EXPECT_EQ(inboxRanges[0].offset, hit.numbers.at("offset"));
+  EXPECT_EQ(inboxRanges[0].length, hit.numbers.at("length"));
+  EXPECT_EQ(utc(1998, 1, 15, 10, 30, 45), hit.numbers.at("time"));
+  EXPECT_EQ("Ann Lee <ann@example.org>", hit.strings.at("from"));
+  EXPECT_EQ("Quarterly report draft", hit.strings.at("subject"));
+  EXPECT_NE(std::string::npos, hit.strings.at("snippet").find("Quarterly"));
+  EXPECT_EQ(8u, hit.strings.size() + hit.numbers.size());
+
+  // list gives the same records straight from the agent, in its order.
+  const HostResult list = host({"--client", client(), "list", "--json"});
+  ASSERT_EQ(0, list.status) << list.err;
+  const std::vector<std::string> lines = linesOf(list.out);
+  ASSERT_EQ(5u, lines.size());
+  JsonObject first;
+  ASSERT_TRUE(parseJsonLine(lines[0], first)) << lines[0];
+  const Mailbox written = mailboxOf(client(), {kQuarterly, kCorrections, kLunch});
+  EXPECT_EQ(inboxFile(), first.strings.at("path"));
+  EXPECT_EQ("Quarterly report draft", first.strings.at("subject"));
+  EXPECT_EQ(referenceChecksum(written.bytes.substr(inboxRanges[0].offset, inboxRanges[0].length)),
+            static_cast<uint32_t>(first.numbers.at("checksum")));
+  JsonObject last;
+  ASSERT_TRUE(parseJsonLine(lines[4], last));
+  EXPECT_EQ(workFile(), last.strings.at("path"));
+  EXPECT_EQ("Undated note", last.strings.at("subject"));
+}
+
+TEST_P(HostStoreTest, SearchesEachFieldAndDateRanges) {
+  ASSERT_EQ(0, index().status);
+  const auto subjects = [&](const std::string &query, const std::vector<std::string> &more = {}) {
+    std::vector<std::string> found;
+    for (const JsonObject &hit : searchJson(query, more))
+      found.push_back(hit.strings.at("subject"));
+    return found;
+  };
+  using Subjects = std::vector<std::string>;
+  EXPECT_EQ(Subjects({"Lunch on Friday"}), subjects("from:carol"));
+  EXPECT_EQ(Subjects({"Garden meeting"}), subjects("to:garden"));
+  EXPECT_EQ(Subjects({"Lunch on Friday"}), subjects("cc:dave"));
+  EXPECT_EQ(Subjects({"Garden meeting"}), subjects("body:tomatoes"));
+  EXPECT_EQ(Subjects({"Quarterly report draft"}), subjects("\"numbers are good\""));
+  // A word in a field is not found in another column.
+  EXPECT_EQ(Subjects(), subjects("subject:carol"));
+  EXPECT_EQ(Subjects({"Corrections"}),
+            subjects("ann", {"--since", "1998-01-16", "--until", "1998-01-31"}));
+  // A bare --until date takes in its whole day; --since a time is exact.
+  EXPECT_EQ(Subjects({"Quarterly report draft"}),
+            subjects("subject:quarterly OR subject:corrections", {"--until", "1998-01-15"}));
+  EXPECT_EQ(Subjects(), subjects("subject:quarterly", {"--since", "1998-01-15 10:31"}));
+  EXPECT_EQ(2u, subjects("ann OR dan OR garden", {"--limit", "2"}).size());
+  // The message without a Date has the agent's fixed date, 1 Feb 1971.
+  EXPECT_EQ(Subjects({"Undated note"}), subjects("undated", {"--until", "1971-02-01"}));
+
+  // Without --json: id, date, sender, subject, then the snippet with the matches marked.
+  const HostResult plain = host({"search", "tomatoes"});
+  ASSERT_EQ(0, plain.status) << plain.err;
+  const std::vector<std::string> lines = linesOf(plain.out);
+  ASSERT_EQ(2u, lines.size()) << plain.out;
+  EXPECT_NE(std::string::npos,
+            lines[0].find("  1998-02-02 09:00  Erik Berg <erik@example.se>  Garden meeting"));
+  EXPECT_NE(std::string::npos, lines[1].find("[tomatoes]"));
+}
+
+TEST_P(HostStoreTest, ShowsTheViewEmailWindowAndCatsTheBody) {
+  ASSERT_EQ(0, index().status);
+  const std::string id = std::to_string(idOf("subject:quarterly"));
+  const HostResult shown = host({"show", id});
+  ASSERT_EQ(0, shown.status) << shown.err;
+  EXPECT_EQ("To: team@example.org\nFrom: Ann Lee <ann@example.org>\nCC: bob@example.org\n"
+            "Date: Thu, 15 Jan 1998 10:30:45 +0000\nSubject: Quarterly report draft\n"
+            "Location: " +
+                inboxFile() + "\n\n" + kQuarterly.body,
+            shown.out);
+  EXPECT_EQ(std::string::npos, shown.err.find("Enter")) << "nobody to ask without a terminal";
+  // At a terminal the window stays until Enter.
+  const HostResult typed = hostAtTerminal({"show", id}, "\n");
+  EXPECT_EQ(0, typed.status) << typed.err;
+  EXPECT_EQ(shown.out, typed.out);
+  EXPECT_NE(std::string::npos, typed.err.find("Enter closes the window")) << typed.err;
+
+  const HostResult body = host({"cat", id});
+  ASSERT_EQ(0, body.status) << body.err;
+  EXPECT_EQ(bodyOf(client(), kQuarterly), body.out);
+  // The other mailbox, deeper down, is reached as well.
+  const HostResult other = host({"cat", std::to_string(idOf("subject:undated"))});
+  EXPECT_EQ(bodyOf(client(), kUndated), other.out);
+}
+
+TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
+  ASSERT_EQ(0, index().status);
+
+  // Nothing changed: no walk, and the agent opens nothing.
+  HostResult run = index();
+  ASSERT_EQ(0, run.status) << run.err;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 5 unchanged, 0 removed, 0 unreadable; "
+                                       "0 of 2 mailboxes read"))
+      << run.out;
+  EXPECT_EQ(1u, linesWith(run.out, "walk: not needed").size());
+  EXPECT_EQ(0u, linesWith(run.err, "findFirstObjectHandle").size()) << run.err;
+  EXPECT_EQ(0u, linesWith(run.err, "openObject").size());
+
+  // A message appended (in the same second as the last run: keepObject can't tell, the
+  // mailbox file's state can): only the new message is opened.
+  const Mailbox before = mailboxOf(client(), {kQuarterly, kCorrections, kLunch});
+  const Mailbox appended = mailboxOf(client(), {kQuarterly, kCorrections, kLunch, kAppended});
+  ASSERT_EQ(before.bytes, appended.bytes.substr(0, before.bytes.size()));
+  appendFile(inboxFile(), appended.bytes.substr(before.bytes.size()));
+  run = index();
+  ASSERT_EQ(0, run.status) << run.err;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 removed, 0 unreadable; "
+                                       "1 of 2 mailboxes read"))
+      << run.out;
+  EXPECT_EQ(std::vector<std::string>(
+                {"read " + inboxFile() + ": 1 new, 3 unchanged, 0 removed, 0 unreadable"}),
+            linesWith(run.out, "read "));
+  EXPECT_EQ(1u, linesWith(run.err, ": openObject").size()) << run.err;
+  std::vector<JsonObject> hits = searchJson("subject:appended");
+  ASSERT_EQ(1u, hits.size());
+  EXPECT_EQ(appended.ranges[3].offset, hits[0].numbers.at("offset"));
+
+  // Compacted: the second message is gone and the two behind it moved.
+  const Mailbox compacted = mailboxOf(client(), {kQuarterly, kLunch, kAppended});
+  writeFile(inboxFile(), compacted.bytes);
+  run = index();
+  ASSERT_EQ(0, run.status) << run.err;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 2 new, 3 unchanged, 3 removed, 0 unreadable; "
+                                       "1 of 2 mailboxes read"))
+      << run.out;
+  EXPECT_EQ(1u, linesWith(run.out, "read ").size());
+  EXPECT_TRUE(searchJson("subject:corrections").empty());
+  hits = searchJson("subject:lunch");
+  ASSERT_EQ(1u, hits.size());
+  EXPECT_EQ(compacted.ranges[1].offset, hits[0].numbers.at("offset"));
+  EXPECT_EQ(compacted.ranges[1].length, hits[0].numbers.at("length"));
+  const HostResult shown = host({"show", std::to_string(hits[0].numbers.at("id"))});
+  EXPECT_EQ(0, shown.status) << shown.err;
+  EXPECT_EQ(1u, linesWith(shown.out, "Subject: Lunch on Friday").size()) << shown.out;
+
+  // Deleted: its objects go, the other mailbox's stay untouched.
+  ASSERT_EQ(0, unlink(inboxFile().c_str()));
+  ASSERT_EQ(0, unlink(controlFileOf(client(), inbox).c_str()));
+  run = index();
+  ASSERT_EQ(0, run.status) << run.err;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 2 unchanged, 3 removed, 0 unreadable; "
+                                       "1 of 2 mailboxes read"))
+      << run.out;
+  EXPECT_TRUE(searchJson("subject:quarterly").empty());
+  EXPECT_EQ(1u, searchJson("subject:garden").size());
+  EXPECT_EQ(3u, linesWith(run.err, ": openObject").size()) << "one try per stored record";
+}
+
+TEST_P(HostStoreTest, FindsANewMailboxAndNeverOpensUnchangedOnes) {
+  ASSERT_EQ(0, index().status);
+  writeMailbox(client(), mail + "/Folders/Later", {kAppended});
+  const HostResult run = index();
+  ASSERT_EQ(0, run.status) << run.err;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 removed"));
+  EXPECT_EQ(std::vector<std::string>({"read " + mailFileOf(client(), mail + "/Folders/Later") +
+                                      ": 1 new, 0 unchanged, 0 removed, 0 unreadable"}),
+            linesWith(run.out, "read "));
+  EXPECT_EQ(1u, linesWith(run.err, ": openObject").size()) << run.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryClient, HostStoreTest,
+                         ::testing::Values("eudora", "internet", "netscape", "pegasus"));
+
+} // namespace
+
+namespace {
+
+// A record that still opens though the walk no longer gives it stays, with its old stamp; the
+// mailbox is then judged by its newest record, so that it is not read again on every run.
+TEST(HostEudoraTest, AKeptRecordWithAnOldStampDoesNotMakeEveryRunReadTheMailbox) {
+  HostFixture host;
+  const std::string stem = host.dir.file("mail/In");
+  writeMailbox("eudora", stem, {kCorrections, kLunch});
+  host.setRegistryValue("eudora", "MailPath", host.dir.file("mail"));
+  ASSERT_EQ(0, host.host({"--client", "eudora", "index"}).status);
+  // The second delimiter becomes text: the walk gives one message over both, while each old
+  // record still finds its bytes unchanged.
+  std::string bytes = readFile(mailFileOf("eudora", stem));
+  bytes.replace(bytes.find("From ???@???", 1), 1, "X");
+  writeFile(mailFileOf("eudora", stem), bytes);
+  setFileTime(mailFileOf("eudora", stem), time(nullptr) + 100);
+  HostResult run = host.host({"--client", "eudora", "index"});
+  ASSERT_EQ(0, run.status) << run.err;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 2 unchanged, 0 removed")) << run.out;
+  run = host.host({"--client", "eudora", "index", "--stats"});
+  EXPECT_EQ(1u, linesWith(run.out, "walk: not needed").size()) << run.out;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 3 unchanged, 0 removed")) << run.out;
+}
+
+} // namespace
