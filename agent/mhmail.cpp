@@ -5,6 +5,7 @@
 #include "agent/Agent.h"
 #include "agent/EudAgent.h"
 #include "agent/IMAgent.h"
+#include "agent/LiveHandles.h"
 #include "agent/Log.h"
 #include "agent/Module.h"
 #include "agent/NSAgent.h"
@@ -76,9 +77,24 @@ CMHAgent *chooseAgent(const CString &language, const char *agentKey) {
   return nullptr;
 }
 
-// The message behind a host's object handle when its signature holds; null otherwise.
+// Objects from an openObject that returned 0, not yet closed. They outlive the agent: a
+// message needs nothing of it once built.
+LiveHandles &liveObjects() {
+  static LiveHandles objects;
+  return objects;
+}
+
+// Searches from a findFirstObjectHandle that returned 0, until closed or ended by a 122 of
+// findNextObjectHandle. The last terminateAgent ends those the host left open.
+LiveHandles &liveSearches() {
+  static LiveHandles searches;
+  return searches;
+}
+
+// The message behind a host's object handle when it is live and its signature holds; null
+// otherwise. A handle that is not live is never read.
 CMailMsg *liveObject(AgentHandle object) {
-  if (object == 0 || object == AGENT_INVALID_HANDLE)
+  if (!liveObjects().contains(object))
     return nullptr;
   CMailMsg *message = reinterpret_cast<CMailMsg *>(object);
   if (message->signature != kMessageSignature) {
@@ -94,21 +110,28 @@ int32_t findFirstObjectHandle(uint32_t unused, AgentHandle *search, ObjectRecord
   AGENT_LOG("findFirstObjectHandle");
   if (!theAgent || !search || !record)
     return StatusNoMoreObjects;
-  return theAgent->findFirstObjectHandle(unused, search, record, time);
+  const int32_t status = theAgent->findFirstObjectHandle(unused, search, record, time);
+  if (status == StatusOk)
+    liveSearches().add(*search);
+  return status;
 }
 
 int32_t findNextObjectHandle(AgentHandle search, ObjectRecord *record, int32_t *time) {
   AGENT_ENTRY_GUARD;
   AGENT_LOG("findNextObjectHandle");
-  if (!theAgent || !record)
+  if (!theAgent || !record || !liveSearches().contains(search))
     return StatusNoMoreObjects;
-  return theAgent->findNextObjectHandle(search, record, time);
+  const int32_t status = theAgent->findNextObjectHandle(search, record, time);
+  if (status == StatusBufferTooSmall)
+    liveSearches().remove(search);  // the agent ended the search
+  return status;
 }
 
 int32_t closeFindObjectHandle(AgentHandle search) {
   AGENT_ENTRY_GUARD;
   AGENT_LOG("closeFindObjectHandle");
-  if (!theAgent)
+  // 0, -1, a handle closed before or one never given out: nothing to delete.
+  if (!theAgent || !liveSearches().remove(search))
     return StatusOk;
   return theAgent->closeFindObjectHandle(search);
 }
@@ -127,7 +150,10 @@ int32_t openObject(AgentHandle *object, const ObjectRecord *record, int32_t *tim
   AGENT_LOG("openObject");
   if (!theAgent || !object || !record)
     return StatusMailFileFailed;
-  return theAgent->openObject(object, record, time);
+  const int32_t status = theAgent->openObject(object, record, time);
+  if (status == StatusOk)
+    liveObjects().add(*object);
+  return status;
 }
 
 int32_t readObject(AgentHandle object, void *buffer, uint32_t wanted, uint32_t *got) {
@@ -176,7 +202,10 @@ int32_t closeObject(AgentHandle object) {
   AGENT_ENTRY_GUARD;
   AGENT_LOG("closeObject");
   std::unique_ptr<CMailMsg> message(liveObject(object));
-  return message ? StatusOk : StatusBadSignature;
+  if (!message)
+    return StatusBadSignature;
+  liveObjects().remove(object);
+  return StatusOk;
 }
 
 int32_t reservedObjectCall(uint32_t, uint32_t) {
@@ -245,6 +274,10 @@ void setLogFlag(uint32_t flag) {
 
 int32_t terminateAgent() {
   AGENT_ENTRY_GUARD;
+  // A termination beyond the last open initialisation has nothing to release, and must not
+  // leave the count below 0: the next two initialisations would both build an agent.
+  if (agentInitCount <= 0)
+    return 0;
   if (--agentInitCount > 0)
     return 0;
   if (languageModule) {
@@ -254,6 +287,9 @@ int32_t terminateAgent() {
     AfxSetResourceHandle(&agentModule);
   }
   if (theAgent) {
+    // Searches the host left open end with the agent, the last one used among them.
+    for (const AgentHandle search : liveSearches().takeAll())
+      theAgent->closeFindObjectHandle(search);
     delete theAgent;
     theAgent = nullptr;
   }

@@ -24,6 +24,13 @@ bool equalsNoCase(std::string_view left, std::string_view right) {
 // a backslash (the registry editor wraps hex data so).
 bool endsWithBackslash(std::string_view line) { return !line.empty() && line.back() == '\\'; }
 
+// Ends the text's last line, which has no line end yet. A carriage return that ends it is
+// its content, not half a line end: it keeps a CR LF of its own, so that the line reads as it
+// read before (a line of junk must not turn into a key or a value line).
+void endLastLine(std::string &text, std::string_view lineEnd) {
+  text += text.back() == '\r' ? std::string_view("\r\n") : lineEnd;
+}
+
 // Whether `text`, which ends with a line end, ends with an empty line.
 bool endsWithEmptyLine(std::string_view text) {
   std::string_view before = text.substr(0, text.size() - 1);
@@ -44,6 +51,9 @@ struct RegistryText::Location {
   // its key line, a value line or a continuation line. Comments and blank lines at the end of a
   // section often introduce the next one, so they do not count.
   std::optional<size_t> sectionEnd;
+  // The text ends inside a wrapped value of that section: its last line ends in a backslash,
+  // so a line added behind it would be read as the wrapped value's continuation.
+  bool sectionEndContinues = false;
   // The line end of the first line: new lines follow the file's own convention.
   std::string_view lineEnd = "\n";
 };
@@ -89,6 +99,7 @@ RegistryText::Location RegistryText::locate(std::string_view key, std::string_vi
         found.sectionEnd = next;
     }
   }
+  found.sectionEndContinues = continuing && found.sectionEnd == bytes_.size();
   return found;
 }
 
@@ -119,7 +130,9 @@ std::string RegistryText::withValue(std::string_view key, std::string_view name,
   if (found.sectionEnd) {
     edited.append(bytes_.substr(0, *found.sectionEnd));
     if (edited.back() != '\n')
-      edited += found.lineEnd;  // the section's last line was the file's last, without an end
+      endLastLine(edited, found.lineEnd);  // the section's last line was the file's last
+    if (found.sectionEndContinues)
+      edited += found.lineEnd;  // an empty line ends the wrapped value
     edited += valueLine;
     edited += found.lineEnd;
     edited.append(bytes_.substr(*found.sectionEnd));
@@ -131,7 +144,7 @@ std::string RegistryText::withValue(std::string_view key, std::string_view name,
     edited += kRegistryHeader;
     edited += found.lineEnd;
   } else if (edited.back() != '\n') {
-    edited += found.lineEnd;
+    endLastLine(edited, found.lineEnd);
   }
   if (!endsWithEmptyLine(edited))
     edited += found.lineEnd;

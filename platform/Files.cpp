@@ -48,7 +48,7 @@ HANDLE CreateFileA(const char *name, DWORD access, DWORD /*shareMode*/,
 }
 
 DWORD GetFileSize(HANDLE handle, DWORD *sizeHigh) {
-  const FileObject *file = handleAs<FileObject>(handle);
+  FileObject *file = handleAs<FileObject>(handle);
   if (file == nullptr) {
     SetLastError(ERROR_INVALID_HANDLE);
     return 0xFFFFFFFFu;
@@ -59,6 +59,8 @@ DWORD GetFileSize(HANDLE handle, DWORD *sizeHigh) {
     return 0xFFFFFFFFu;
   }
   const auto size = static_cast<uint64_t>(status.st_size);
+  if (size > file->sizeReported)
+    file->sizeReported = size;
   if (sizeHigh != nullptr)
     *sizeHigh = static_cast<DWORD>(size >> 32);
   // A low part of 0xFFFFFFFF is a valid size; the cleared error tells it from a failure.

@@ -33,7 +33,10 @@ HANDLE CreateFileA(const char *name, DWORD access, DWORD shareMode, SECURITY_ATT
 DWORD GetFileSize(HANDLE file, DWORD *sizeHigh);
 
 // An unnamed read-only mapping of the whole file (PAGE_READONLY, sizes 0 and 0).
-// A file of zero bytes is refused with ERROR_FILE_INVALID. Null on failure.
+// A file of zero bytes is refused with ERROR_FILE_INVALID. Null on failure. Where the file
+// has shrunk since GetFileSize told its size on this handle, the mapping still has that size,
+// so that a caller reading below the size it was told never leaves the view; the bytes past
+// the new end fault as below.
 HANDLE CreateFileMappingA(HANDLE file, SECURITY_ATTRIBUTES *security, DWORD protect,
                           DWORD maximumSizeHigh, DWORD maximumSizeLow, const char *name);
 

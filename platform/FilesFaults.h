@@ -15,6 +15,8 @@ enum class FileOperation {
 
 // The next `count` calls of `operation` on this thread fail with errno `error`.
 void failNextFileOperations(FileOperation operation, int error, int count = 1);
+// The same after `skip` calls that succeed: the third directory a walk opens, say.
+void failFileOperationsAfter(FileOperation operation, int skip, int error, int count = 1);
 // Disarms every operation on this thread.
 void clearFileOperationFailures();
 

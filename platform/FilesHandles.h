@@ -3,6 +3,7 @@
 
 #include "WinTypes.h"
 
+#include <cstdint>
 #include <unistd.h>
 
 // Owns one POSIX file descriptor and closes it once.
@@ -45,6 +46,9 @@ class FileObject final : public HandleObject {
 public:
   explicit FileObject(int fd) : fd(fd) {}
   UniqueFd fd;
+  // The largest size GetFileSize has told of this file: a mapping made later covers it even
+  // when the file has shrunk since, so that no read below it leaves the view.
+  uint64_t sizeReported = 0;
 };
 
 inline HANDLE toHandle(HandleObject *object) { return static_cast<HANDLE>(object); }

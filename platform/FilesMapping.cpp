@@ -15,8 +15,9 @@
 namespace {
 
 // A mapping holds its own descriptor, so that it outlives the file handle it was made from,
-// as a Windows mapping does. The size is the file's when the mapping was created: a file
-// that grows later is not seen, one that shrinks faults past its end (FaultGuard.h).
+// as a Windows mapping does. The size is the file's when the mapping was created, or the
+// larger size GetFileSize gave for the file handle: a file that grows later is not seen, one
+// that shrinks, before or after, faults past its end (FaultGuard.h).
 class MappingObject final : public HandleObject {
 public:
   MappingObject(int fd, uint64_t size) : fd(fd), size(size) {}
@@ -82,7 +83,11 @@ HANDLE CreateFileMappingA(HANDLE fileHandle, SECURITY_ATTRIBUTES * /*security*/,
     SetLastError(errorFromErrno(errno));
     return nullptr;
   }
-  auto *mapping = new (std::nothrow) MappingObject(fd.get(), static_cast<uint64_t>(status.st_size));
+  // A file cut short since its size was asked is mapped at that size all the same: the pages
+  // past its end fault (FaultGuard.h) instead of lying outside the view.
+  const auto size = static_cast<uint64_t>(status.st_size);
+  auto *mapping = new (std::nothrow)
+      MappingObject(fd.get(), size > file->sizeReported ? size : file->sizeReported);
   if (mapping == nullptr) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;

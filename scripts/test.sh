@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds and runs every test: the release build, the sanitizer build (ASan and UBSan), and
-# the 32-bit build of the libraries, whose binary layouts are checked while it compiles.
+# Builds and runs every test: the release build, the sanitizer build (ASan and UBSan), a
+# short run of every fuzz target, and the 32-bit build of the libraries, whose binary layouts
+# are checked while it compiles.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
@@ -12,6 +13,9 @@ for preset in default asan; do
   cmake --build --preset "$preset" -j "$jobs"
   ctest --preset "$preset" -j "$jobs"
 done
+
+echo "== fuzz"
+scripts/fuzz.sh -t 10 -j "$jobs"
 
 echo "== m32"
 cmake --preset m32 >/dev/null

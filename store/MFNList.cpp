@@ -69,6 +69,18 @@ int walkLevel(FileLevels &levels, int level, const CString &search) {
   return 0;
 }
 
+// Whether the walk's entry is a plain entry, which alone can be a mail file: a folder ends
+// in the separator, and a "." or ".." entry could otherwise pass for its folder once the
+// extension is cut off (with an empty mail extension, "Box/." and the control entry
+// "Box/.snm" cut to the stem of the folder "Box/").
+bool isPlainEntry(const CString &entry) {
+  const int length = entry.GetLength();
+  if (length == 0 || entry[length - 1] == kPathSeparator)
+    return false;
+  const CString last = entry.Mid(entry.ReverseFind(kPathSeparator) + 1);
+  return last != "." && last != "..";
+}
+
 // The extension of a path's last component, dot included; empty when it has no dot.
 CString extensionOf(const CString &path) {
   const int lastSeparator = path.ReverseFind(kPathSeparator);
@@ -130,7 +142,7 @@ bool CMailFilenameList::pairMailboxes(const CString &mailDir, const CString &mai
   std::unordered_map<std::string, std::deque<const CString *>> stems;
   for (POSITION at = all.GetHeadPosition(); at;) {
     const CString &entry = all.GetNext(at);
-    if (extensionOf(entry).CompareNoCase(mailExt) == 0)
+    if (isPlainEntry(entry) && extensionOf(entry).CompareNoCase(mailExt) == 0)
       stems[foldCase(relativeStem(entry, mailDir, mailExt.GetLength()))].push_back(&entry);
   }
 

@@ -28,7 +28,8 @@ public:
   // Appends the full path of every mail file below `mailDir` that has its control file beside
   // it, in the order of the control files in the walk. The count of the list, or -1 when the
   // walk failed. Extensions carry their dot and compare without regard to case; an empty mail
-  // extension means files without one. Each element names the mail file as it really exists.
+  // extension means files without one. A folder is never a mail file. Each element names the
+  // mail file as it really exists.
   int findMailboxes(const CString &mailDir, const CString &mailExt, const CString &ctrlExt);
 
   // A copy of the first element (rewinding the list), or of the next one; null at the end.

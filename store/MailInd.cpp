@@ -21,7 +21,9 @@ CMailIndex::~CMailIndex() {
 int CMailIndex::initList(const CString &key, const CString &valueName, const CString &mailExt,
                          const CString &ctrlExt) {
   CString path;
-  if (!GetRegValue(key, valueName, path)) {
+  // An empty value names no folder: taken as it is, the walk would list the whole file
+  // system from its root.
+  if (!GetRegValue(key, valueName, path) || path.IsEmpty()) {
     AGENT_LOG("Failed trying to get MailPath value to initList\n");
     return -1;
   }

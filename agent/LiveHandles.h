@@ -1,0 +1,26 @@
+// The handles the host holds now. An entry touches what stands behind a handle only when the
+// handle is one that the agent gave out and has not taken back, so that a handle closed twice,
+// never opened or made up gets its entry's failure status instead of a wild read.
+#pragma once
+
+#include "agent/AgentAbi.h"
+
+#include <unordered_set>
+#include <vector>
+
+class LiveHandles {
+public:
+  void add(AgentHandle handle) { handles_.insert(handle); }
+  bool contains(AgentHandle handle) const { return handles_.count(handle) != 0; }
+  // True when `handle` was live; it is not from now on.
+  bool remove(AgentHandle handle) { return handles_.erase(handle) != 0; }
+  // Every live handle, and none live any more.
+  std::vector<AgentHandle> takeAll() {
+    std::vector<AgentHandle> all(handles_.begin(), handles_.end());
+    handles_.clear();
+    return all;
+  }
+
+private:
+  std::unordered_set<AgentHandle> handles_;
+};
