@@ -10,15 +10,13 @@ bool isSpace(unsigned char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r');
 
 bool isDigit(unsigned char ch) { return ch >= '0' && ch <= '9'; }
 
+// The input, ended by `end` or by a zero byte, as a zero ends the C string that sscanf
+// reads. The zero is met as the reader comes to it: a parse that stops early never looks at
+// the rest of a long line.
 class Input {
 public:
-  Input(const unsigned char *begin, const unsigned char *end) : at_(begin), end_(end) {
-    // A zero byte ends the input, as it ends the C string that sscanf reads.
-    const void *zero = std::memchr(begin, 0, static_cast<size_t>(end - begin));
-    if (zero)
-      end_ = static_cast<const unsigned char *>(zero);
-  }
-  bool atEnd() const { return at_ == end_; }
+  Input(const unsigned char *begin, const unsigned char *end) : at_(begin), end_(end) {}
+  bool atEnd() const { return at_ == end_ || *at_ == 0; }
   unsigned char peek() const { return *at_; }
   void next() { ++at_; }
   void skipSpace() {

@@ -30,6 +30,9 @@ thread_local GuardFrame *innermostFrame = nullptr;
 
 struct sigaction previousAction;  // written once, before our handler can run
 std::once_flag handlerInstalled;
+// Set once the handler is in place: the guarded calls after the first test this flag alone,
+// not the once flag, whose test costs several thread-local lookups.
+std::atomic<bool> handlerReady{false};
 
 // Passes a SIGBUS that no guard claims on to whoever would have had it without us.
 void passOn(int signal, siginfo_t *info, void *context) {
@@ -83,30 +86,40 @@ void installHandler() {
 // exception from the guarded function.
 class FrameRestorer {
 public:
-  explicit FrameRestorer(GuardFrame *outer) : outer_(outer) {}
+  FrameRestorer(GuardFrame **innermost, GuardFrame *outer) : innermost_(innermost), outer_(outer) {}
   FrameRestorer(const FrameRestorer &) = delete;
   FrameRestorer &operator=(const FrameRestorer &) = delete;
   ~FrameRestorer() {
     std::atomic_signal_fence(std::memory_order_seq_cst);
-    innermostFrame = outer_;
+    *innermost_ = outer_;
   }
 
 private:
+  GuardFrame **const innermost_;
   GuardFrame *const outer_;
 };
+
+void ensureHandler() {
+  if (handlerReady.load(std::memory_order_acquire))
+    return;
+  std::call_once(handlerInstalled, installHandler);
+  handlerReady.store(true, std::memory_order_release);
+}
 
 }  // namespace
 
 bool runGuarded(void (*fn)(void *context), void *context) {
-  std::call_once(handlerInstalled, installHandler);
-  GuardFrame frame;
-  // This read is also the first touch of the thread-local on this thread: its storage is
+  ensureHandler();
+  // This thread's slot, looked up once (in a shared library each lookup is a call). Taking
+  // its address is also the first touch of the thread-local on this thread: its storage is
   // allocated here, never by the handler, where allocating is not safe.
-  frame.outer = innermostFrame;
-  FrameRestorer restorer(frame.outer);
+  GuardFrame **const innermost = &innermostFrame;
+  GuardFrame frame;
+  frame.outer = *innermost;
+  FrameRestorer restorer(innermost, frame.outer);
   if (sigsetjmp(frame.resume, 0) != 0)
     return false;
-  innermostFrame = &frame;
+  *innermost = &frame;
   // The handler reads innermostFrame asynchronously: the compiler must not sink the store.
   std::atomic_signal_fence(std::memory_order_seq_cst);
   fn(context);

@@ -4,6 +4,7 @@
 #include "agent/Log.h"
 #include "platform/FaultGuard.h"
 #include "platform/FileStatus.h"
+#include "store/ByteSearch.h"
 #include "store/MailMsg.h"
 
 #include <cstring>
@@ -122,14 +123,17 @@ int CMailFile::scanFrom(uint32_t offset) {
   msgOffset = offset;
   uint32_t end = fileSize;
   uint32_t pos = offset;
+  // Look for two rare bytes of the delimiter together, not its first byte alone: Eudora's 'F'
+  // stands every 64 bytes of a base64 attachment and Pegasus's line feed on every line, while
+  // "?..@" and LF 0x1A hardly ever do. Only where both stand is the whole delimiter compared.
+  const BytePair pair = rarestPair(pattern, patternLength);
   // A delimiter counts only with at least one byte of the file behind it.
   while (patternLength != 0 && uint64_t{pos} + patternLength < fileSize) {
     const uint32_t lastStart = fileSize - patternLength - 1;
-    const void *hit = std::memchr(base + pos, pattern[0], lastStart - pos + 1);
-    if (hit == nullptr)
+    pos = findPair(base, pos, lastStart, pair);
+    if (pos == kByteNotFound)
       break;
-    pos = static_cast<uint32_t>(static_cast<const unsigned char *>(hit) - base);
-    if (std::memcmp(base + pos + 1, pattern + 1, patternLength - 1) != 0) {
+    if (std::memcmp(base + pos, pattern, patternLength) != 0) {
       ++pos;
       continue;
     }

@@ -4,6 +4,8 @@
 #include "agent/Log.h"
 #include "cmn/Registry.h"
 #include "resources/resource.h"
+#include "store/ByteSearch.h"
+#include "store/FieldSearch.h"
 
 #include <cstring>
 
@@ -65,36 +67,16 @@ void loadStatics(const CString &language, const char *agentKey) {
 }
 
 int32_t findField(const char *name, const unsigned char *start, uint32_t searchLength) {
-  const size_t nameLength = std::strlen(name);
-  if (searchLength == 0 || nameLength > searchLength)
-    return -1;
-  const uint32_t lastStart = searchLength - static_cast<uint32_t>(nameLength);
-  const char first = name[0];
-  const bool caseless = asciiToLower(first) == asciiToUpper(first);
-  for (uint32_t i = 0; i <= lastStart; ++i) {
-    // Find the name's first byte with a library search where case plays no part; the names
-    // start with a line feed, so this is the usual road.
-    if (caseless) {
-      const void *hit = std::memchr(start + i, first, lastStart - i + 1);
-      if (hit == nullptr)
-        return -1;
-      i = static_cast<uint32_t>(static_cast<const unsigned char *>(hit) - start);
-    } else if (asciiToLower(static_cast<char>(start[i])) != asciiToLower(first)) {
-      continue;
-    }
-    if (asciiCompareNoCase(reinterpret_cast<const char *>(start + i), name, nameLength) == 0)
-      return static_cast<int32_t>(i + nameLength + 1);
-  }
-  return -1;
+  int32_t index = -1;
+  findFields(&name, 1, start, searchLength, &index);
+  return index;
 }
 
 uint32_t fieldValueLength(int32_t index, const unsigned char *start, uint32_t headerLength) {
   if (index < 0 || static_cast<uint32_t>(index) >= headerLength)
     return 0;
-  uint32_t end = static_cast<uint32_t>(index);
-  while (end < headerLength && start[end] != '\r' && start[end] != '\n')
-    ++end;
-  return end - static_cast<uint32_t>(index);
+  const auto from = static_cast<uint32_t>(index);
+  return findLineEnd(start, from, headerLength) - from;
 }
 
 void extractField(CString &field, int32_t index, const unsigned char *start, uint32_t headerLength) {

@@ -4,6 +4,9 @@
 #include "agent/AgentAbi.h"
 #include "agent/Log.h"
 #include "platform/FaultGuard.h"
+#include "store/ByteSearch.h"
+#include "store/Checksum.h"
+#include "store/FieldSearch.h"
 #include "store/MAILDATE.h"
 #include "store/MailHeaders.h"
 
@@ -21,93 +24,67 @@ struct FieldSpan {
   uint32_t length;
 };
 
-// What a first pass over the message's bytes finds, before anything is allocated.
+// What a first pass over the header block finds, before anything is allocated.
 struct MessageLayout {
-  uint32_t checksum;
   uint32_t headerLength;
   FieldSpan fields[kFieldCount];
 };
 
-uint32_t loadLittleEndian32(const unsigned char *bytes) {
-  return static_cast<uint32_t>(bytes[0]) | static_cast<uint32_t>(bytes[1]) << 8 |
-         static_cast<uint32_t>(bytes[2]) << 16 | static_cast<uint32_t>(bytes[3]) << 24;
-}
-
-uint64_t loadLittleEndian64(const unsigned char *bytes) {
-  uint64_t word;
-  std::memcpy(&word, bytes, sizeof word);
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-  word = __builtin_bswap64(word);
-#endif
-  return word;
-}
-
 } // namespace
 
 uint32_t CMailMsg::computeChecksum(const unsigned char *start, uint32_t length) {
-  // XOR is associative, so eight bytes at a time in four independent lanes give the same sum
-  // as four bytes at a time: folding a 64-bit word's halves puts byte i at 8 * (i mod 4).
-  uint64_t lanes[4] = {0, 0, 0, 0};
-  uint32_t i = 0;
-  for (; i + 32 <= length; i += 32) {
-    lanes[0] ^= loadLittleEndian64(start + i);
-    lanes[1] ^= loadLittleEndian64(start + i + 8);
-    lanes[2] ^= loadLittleEndian64(start + i + 16);
-    lanes[3] ^= loadLittleEndian64(start + i + 24);
-  }
-  for (; i + 8 <= length; i += 8)
-    lanes[0] ^= loadLittleEndian64(start + i);
-  const uint64_t wide = lanes[0] ^ lanes[1] ^ lanes[2] ^ lanes[3];
-  uint32_t sum = static_cast<uint32_t>(wide) ^ static_cast<uint32_t>(wide >> 32);
-  if (i + 4 <= length) {
-    sum ^= loadLittleEndian32(start + i);
-    i += 4;
-  }
-  for (unsigned shift = 0; i < length; ++i, shift += 8)
-    sum ^= static_cast<uint32_t>(start[i]) << shift;
-  return sum;
+  return checksumBytes(start, length);
 }
 
 uint32_t CMailMsg::getHeaderLength(const unsigned char *start, uint32_t length) const {
-  uint32_t carriageReturns = 0;
-  uint32_t lineFeeds = 0;
-  for (uint32_t i = 0; i < length; ++i) {
-    const unsigned char byte = start[i];
-    if (byte == '\n') {
-      if (++lineFeeds >= 2)
-        return i + 1;
-    } else if (byte == '\r') {
-      if (++carriageReturns >= 2)
-        return (i + 1 < length && start[i + 1] == '\n') ? i + 2 : i + 1;
-    } else {
-      carriageReturns = 0;
-      lineFeeds = 0;
+  // Only runs of CR and LF bytes count: any other byte sets both counts back to 0. So the
+  // scan leaps from one line end to the next and counts within each run, from 0.
+  uint32_t i = 0;
+  for (;;) {
+    i = findLineEnd(start, i, length);
+    uint32_t carriageReturns = 0;
+    uint32_t lineFeeds = 0;
+    for (; i < length; ++i) {
+      const unsigned char byte = start[i];
+      if (byte == '\n') {
+        if (++lineFeeds >= 2)
+          return i + 1;
+      } else if (byte == '\r') {
+        if (++carriageReturns >= 2)
+          return (i + 1 < length && start[i + 1] == '\n') ? i + 2 : i + 1;
+      } else {
+        break;
+      }
     }
+    if (i == length)
+      return length;
   }
-  return length;
 }
 
 int CMailMsg::init(const unsigned char *start, uint32_t length, const CString &mailboxPath) {
-  const CString *const names[kFieldCount] = {&hdrDate, &hdrTo, &hdrFrom, &hdrSubject, &hdrCc};
+  const char *const names[kFieldCount] = {hdrDate.GetString(), hdrTo.GetString(),
+                                          hdrFrom.GetString(), hdrSubject.GetString(),
+                                          hdrCc.GetString()};
   CString *const values[kFieldCount] = {&date, &to, &from, &subject, &cc};
 
   // The bytes may be a mapping that another process cuts short at any moment: read them in
-  // two guarded passes, the first to measure, the second to copy into what was allocated
-  // between them, so that a fault never leaves anything half-owned.
+  // two guarded passes, the first over the header block to measure, the second to copy into
+  // what was allocated between them, so that a fault never leaves anything half-owned. The
+  // checksum is taken in the second pass, as the body is copied: its bytes are read once.
   MessageLayout layout{};
   const bool measured = runGuarded([&] {
-    layout.checksum = computeChecksum(start, length);
     layout.headerLength = getHeaderLength(start, length);
+    int32_t indexes[kFieldCount];
+    findFields(names, kFieldCount, start, layout.headerLength, indexes);
     for (int field = 0; field < kFieldCount; ++field) {
       FieldSpan &span = layout.fields[field];
-      span.index = findField(names[field]->GetString(), start, layout.headerLength);
+      span.index = indexes[field];
       span.length = fieldValueLength(span.index, start, layout.headerLength);
     }
   });
   if (!measured)
     return -1;
 
-  checksum = layout.checksum;
   position = 0;
   const uint32_t headerLength = layout.headerLength;
   bodyLength = length - headerLength;
@@ -123,19 +100,24 @@ int CMailMsg::init(const unsigned char *start, uint32_t length, const CString &m
       return -1;
   }
 
+  uint32_t sum = 0;
+  unsigned char *const bodyBytes = body.get();
   const bool copied = runGuarded([&] {
     for (int field = 0; field < kFieldCount; ++field) {
       const FieldSpan &span = layout.fields[field];
       if (span.length != 0)
         std::memcpy(&values[field]->bytes()[0], start + span.index, span.length);
     }
+    sum = checksumBytes(start, headerLength);
     if (bodyLength != 0) {
-      std::memcpy(body.get(), start + headerLength, bodyLength);
-      body.get()[bodyLength] = 0;
+      const uint32_t bodySum = copyWithChecksum(bodyBytes, start + headerLength, bodyLength);
+      sum ^= checksumAt(bodySum, headerLength);
+      bodyBytes[bodyLength] = 0;
     }
   });
   if (!copied)
     return -1;
+  checksum = sum;
   AGENT_LOG("Subject: %s\n", subject.GetString());
 
   mailbox = mailboxPath;

@@ -1,0 +1,250 @@
+// Byte searches 64 positions a step with AVX2 where the processor has it, 32 with SSE2
+// (every x86-64 has that), one at a time elsewhere; all give the same answers.
+#include "store/ByteSearch.h"
+
+#include "store/VectorWidth.h"
+
+#include <cstring>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace {
+
+// How often a byte value turns up in mail, 0 for the rarest. Lower-case letters and blanks
+// fill text; capitals, digits and line ends come next, with base64's alphabet among them;
+// then the punctuation of text and addresses; bytes above 127 in 8-bit text; last the
+// control bytes, which text and base64 never hold.
+constexpr unsigned rankOf(unsigned char byte) {
+  if (byte == ' ')
+    return 10;
+  if (byte >= 'a' && byte <= 'z')
+    return 9;
+  if (byte == '\n' || byte == '\r')
+    return 8;
+  if ((byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9'))
+    return 7;
+  switch (byte) {
+  case '.':
+  case ',':
+  case '-':
+  case ':':
+  case '/':
+  case '=':
+  case '+':
+  case '\t':
+  case '\'':
+  case '"':
+  case '(':
+  case ')':
+  case ';':
+  case '<':
+  case '>':
+  case '_':
+    return 5;
+  case '@':
+  case '!':
+  case '*':
+  case '&':
+  case '%':
+  case '#':
+    return 4;
+  case '?':
+  case '[':
+  case ']':
+  case '$':
+  case '~':
+  case '|':
+  case '{':
+  case '}':
+  case '^':
+  case '`':
+  case '\\':
+    return 3;
+  default:
+    return byte >= 0x80 ? 2 : 0;
+  }
+}
+
+struct CommonnessTable {
+  constexpr CommonnessTable() : rank() {
+    for (unsigned byte = 0; byte < 256; ++byte)
+      rank[byte] = static_cast<unsigned char>(rankOf(static_cast<unsigned char>(byte)));
+  }
+  unsigned char rank[256];
+};
+constexpr CommonnessTable kCommonness;
+
+unsigned commonness(unsigned char byte) {
+  return kCommonness.rank[byte];
+}
+
+bool pairAt(const unsigned char *bytes, uint32_t p, const BytePair &pair) {
+  return bytes[p + pair.rare] == pair.rareByte && bytes[p + pair.other] == pair.otherByte;
+}
+
+uint32_t findPairOneByOne(const unsigned char *bytes, uint32_t p, uint32_t last,
+                          const BytePair &pair) {
+  for (;; ++p) {
+    if (pairAt(bytes, p, pair))
+      return p;
+    if (p == last)
+      return kByteNotFound;
+  }
+}
+
+// A control byte stands in mail text hardly anywhere but in the pattern: the library's
+// search for that byte alone runs through text fastest, and each place it stops is checked.
+uint32_t findPairByRareByte(const unsigned char *bytes, uint32_t p, uint32_t last,
+                            const BytePair &pair) {
+  for (;;) {
+    const unsigned char *rare = bytes + p + pair.rare;
+    const void *hit = std::memchr(rare, pair.rareByte, last - p + 1);
+    if (hit == nullptr)
+      return kByteNotFound;
+    p += static_cast<uint32_t>(static_cast<const unsigned char *>(hit) - rare);
+    if (bytes[p + pair.other] == pair.otherByte)
+      return p;
+    if (p == last)
+      return kByteNotFound;
+    ++p;
+  }
+}
+
+#if defined(__x86_64__)
+unsigned firstBit(unsigned mask) {
+  return static_cast<unsigned>(__builtin_ctz(mask));
+}
+
+// Both vector searches take the candidates p .. p + 63 (AVX2) or p + 31 (SSE2) a step. The
+// rare byte is tested first; only a step where it stands loads the other byte's places. The
+// few candidates left at the end go one by one.
+__attribute__((target("avx2"))) uint32_t findPairAvx2(const unsigned char *bytes, uint32_t p,
+                                                      uint32_t last, const BytePair &pair) {
+  const __m256i rares = _mm256_set1_epi8(static_cast<char>(pair.rareByte));
+  const __m256i others = _mm256_set1_epi8(static_cast<char>(pair.otherByte));
+  while (last - p >= 63) {
+    const unsigned char *rare = bytes + p + pair.rare;
+    const __m256i rareLow =
+        _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(rare)), rares);
+    const __m256i rareHigh =
+        _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(rare + 32)), rares);
+    if (!_mm256_testz_si256(_mm256_or_si256(rareLow, rareHigh), _mm256_set1_epi8(-1))) {
+      const unsigned char *other = bytes + p + pair.other;
+      const unsigned low = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_and_si256(
+          rareLow, _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(other)),
+                                     others))));
+      const unsigned high = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_and_si256(
+          rareHigh,
+          _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(other + 32)),
+                            others))));
+      if ((low | high) != 0)
+        return p + (low != 0 ? firstBit(low) : 32 + firstBit(high));
+    }
+    p += 64; // at most last + 1
+    if (p > last)
+      return kByteNotFound;
+  }
+  return findPairOneByOne(bytes, p, last, pair);
+}
+
+uint32_t findPairSse2(const unsigned char *bytes, uint32_t p, uint32_t last, const BytePair &pair) {
+  const __m128i rares = _mm_set1_epi8(static_cast<char>(pair.rareByte));
+  const __m128i others = _mm_set1_epi8(static_cast<char>(pair.otherByte));
+  while (last - p >= 31) {
+    const unsigned char *rare = bytes + p + pair.rare;
+    const __m128i rareLow =
+        _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(rare)), rares);
+    const __m128i rareHigh =
+        _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(rare + 16)), rares);
+    if (_mm_movemask_epi8(_mm_or_si128(rareLow, rareHigh)) != 0) {
+      const unsigned char *other = bytes + p + pair.other;
+      const unsigned low = static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(
+          rareLow,
+          _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(other)), others))));
+      const unsigned high = static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(
+          rareHigh,
+          _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(other + 16)), others))));
+      if ((low | high) != 0)
+        return p + (low != 0 ? firstBit(low) : 16 + firstBit(high));
+    }
+    p += 32;
+    if (p > last)
+      return kByteNotFound;
+  }
+  return findPairOneByOne(bytes, p, last, pair);
+}
+
+#endif
+
+} // namespace
+
+BytePair rarestPair(const unsigned char *pattern, uint32_t length) {
+  BytePair pair;
+  if (length == 0)
+    return pair;
+  uint32_t rarest = 0;
+  for (uint32_t i = 1; i < length; ++i)
+    if (commonness(pattern[i]) < commonness(pattern[rarest]))
+      rarest = i;
+  // The rarest of the other bytes, one of another value where there is one.
+  uint32_t other = rarest;
+  for (uint32_t i = 0; i < length; ++i) {
+    if (i == rarest)
+      continue;
+    if (other == rarest) {
+      other = i;
+      continue;
+    }
+    const bool newValue = pattern[i] != pattern[rarest];
+    const bool otherNewValue = pattern[other] != pattern[rarest];
+    if (newValue != otherNewValue) {
+      if (newValue)
+        other = i;
+    } else if (commonness(pattern[i]) < commonness(pattern[other])) {
+      other = i;
+    }
+  }
+  pair.rare = rarest;
+  pair.other = other;
+  pair.rareByte = pattern[rarest];
+  pair.otherByte = pattern[other];
+  return pair;
+}
+
+uint32_t findPair(const unsigned char *bytes, uint32_t from, uint32_t last, const BytePair &pair) {
+  if (from > last)
+    return kByteNotFound;
+  if (commonness(pair.rareByte) == 0)
+    return findPairByRareByte(bytes, from, last, pair);
+#if defined(__x86_64__)
+  if (useAvx2())
+    return findPairAvx2(bytes, from, last, pair);
+  if (useSse2())
+    return findPairSse2(bytes, from, last, pair);
+#endif
+  return findPairOneByOne(bytes, from, last, pair);
+}
+
+uint32_t findLineEnd(const unsigned char *bytes, uint32_t from, uint32_t end) {
+  if (from >= end)
+    return end;
+  uint32_t p = from;
+#if defined(__x86_64__)
+  const __m128i lineFeeds = _mm_set1_epi8('\n');
+  const __m128i returns = _mm_set1_epi8('\r');
+  const bool vectors = useSse2();
+  while (vectors && end - p >= 16) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + p));
+    const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(
+        _mm_or_si128(_mm_cmpeq_epi8(block, lineFeeds), _mm_cmpeq_epi8(block, returns))));
+    if (mask != 0)
+      return p + firstBit(mask);
+    p += 16;
+  }
+#endif
+  while (p < end && bytes[p] != '\n' && bytes[p] != '\r')
+    ++p;
+  return p;
+}

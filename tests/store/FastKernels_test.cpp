@@ -1,0 +1,394 @@
+// The fast kernels against simple references written from their definitions: byte-pair and
+// line-end searches, checksums, the header block's end, the field search, and the framing of
+// each client's scan over random mailboxes full of near-delimiters.
+#include "clients/Delimiters.h"
+#include "clients/Eudora.h"
+#include "clients/InternetMail.h"
+#include "clients/Netscape.h"
+#include "clients/Pegasus.h"
+#include "clients/ScanFormat.h"
+#include "platform/FaultGuard.h"
+#include "store/ByteSearch.h"
+#include "store/Checksum.h"
+#include "store/FieldSearch.h"
+#include "store/MailMsg.h"
+#include "store/VectorWidth.h"
+#include "tests/support/TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using Ranges = std::vector<std::pair<uint32_t, uint32_t>>;
+
+Bytes randomBytes(std::mt19937 &random, size_t length, const std::string &alphabet) {
+  Bytes bytes(length);
+  for (unsigned char &byte : bytes)
+    byte = static_cast<unsigned char>(alphabet[random() % alphabet.size()]);
+  return bytes;
+}
+
+// Each kernel is run at each vector width that this machine can take: the widest, SSE2,
+// and none. The width is restored when the test ends.
+class EachWidth {
+public:
+  EachWidth() = default;
+  EachWidth(const EachWidth &) = delete;
+  EachWidth &operator=(const EachWidth &) = delete;
+  ~EachWidth() { limitVectorWidth(VectorWidth::Widest); }
+  const std::vector<VectorWidth> &widths() const { return widths_; }
+  static VectorWidth set(VectorWidth width) {
+    limitVectorWidth(width);
+    return width;
+  }
+
+private:
+  std::vector<VectorWidth> widths_ = {VectorWidth::Widest, VectorWidth::Sse2, VectorWidth::None};
+};
+
+const unsigned char *bytesOf(const std::string &text) {
+  return reinterpret_cast<const unsigned char *>(text.data());
+}
+
+TEST(BytePair, TakesTheRareBytesOfEachDelimiter) {
+  const BytePair eudora = rarestPair(kEudoraDelimiter, sizeof kEudoraDelimiter);
+  EXPECT_EQ('?', eudora.rareByte);
+  EXPECT_EQ('@', eudora.otherByte);
+  const BytePair pegasus = rarestPair(kPegasusDelimiter, sizeof kPegasusDelimiter);
+  EXPECT_EQ(2u, pegasus.rare);
+  EXPECT_EQ('\n', pegasus.otherByte);
+  const BytePair internet = rarestPair(kInternetMailDelimiter, sizeof kInternetMailDelimiter);
+  EXPECT_NE(internet.rareByte, internet.otherByte);
+  const unsigned char one[] = {'x'};
+  const BytePair single = rarestPair(one, 1);
+  EXPECT_EQ(single.rare, single.other);
+}
+
+// Every pattern's pair, over text made of the pattern's own bytes, from every start; the
+// buffer ends where the search may read no further, so that a sanitizer sees a read past it.
+TEST(FindPair, AgreesWithAPlaceByPlaceSearch) {
+  EachWidth each;
+  for (const VectorWidth width : each.widths()) {
+    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+    std::mt19937 random(3);
+    const std::vector<std::string> patterns = {
+        std::string(reinterpret_cast<const char *>(kEudoraDelimiter), sizeof kEudoraDelimiter),
+        std::string(reinterpret_cast<const char *>(kPegasusDelimiter), sizeof kPegasusDelimiter),
+        std::string(reinterpret_cast<const char *>(kInternetMailDelimiter), 4),
+        "From",
+        "x",
+        "aa"};
+    for (const std::string &pattern : patterns) {
+      const BytePair pair = rarestPair(bytesOf(pattern), static_cast<uint32_t>(pattern.size()));
+      const uint32_t reach = std::max(pair.rare, pair.other);
+      for (int round = 0; round < 300; ++round) {
+        const Bytes bytes = randomBytes(random, reach + 1 + random() % 300, pattern + "ab");
+        const auto last = static_cast<uint32_t>(bytes.size() - 1 - reach);
+        const uint32_t from = random() % (last + 2);
+        uint32_t expected = kByteNotFound;
+        for (uint32_t p = from; p <= last && expected == kByteNotFound; ++p)
+          if (bytes[p + pair.rare] == pair.rareByte && bytes[p + pair.other] == pair.otherByte)
+            expected = p;
+        ASSERT_EQ(expected, findPair(bytes.data(), from, last, pair)) << pattern << " " << from;
+      }
+    }
+  }
+}
+
+// One match in a run of other bytes, at every place of every length up to a few vector
+// steps, searched from every start: the ends of the vector steps are where slips hide.
+TEST(FindPair, FindsALoneMatchAtEveryPlace) {
+  EachWidth each;
+  for (const VectorWidth width : each.widths()) {
+    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+    const BytePair pair = rarestPair(kEudoraDelimiter, sizeof kEudoraDelimiter);
+    const uint32_t reach = std::max(pair.rare, pair.other);
+    for (uint32_t last = 0; last < 200; ++last) {
+      for (uint32_t at = 0; at <= last + 1; ++at) {
+        Bytes bytes(last + 1 + reach, 'a');
+        if (at <= last) {
+          bytes[at + pair.rare] = pair.rareByte;
+          bytes[at + pair.other] = pair.otherByte;
+        }
+        for (uint32_t from = 0; from <= last; from += 1 + from / 8) {
+          const uint32_t expected = at <= last && at >= from ? at : kByteNotFound;
+          ASSERT_EQ(expected, findPair(bytes.data(), from, last, pair)) << last << " " << at;
+        }
+      }
+    }
+  }
+}
+
+TEST(FindLineEnd, AgreesWithAByteLoop) {
+  EachWidth each;
+  for (const VectorWidth width : each.widths()) {
+    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+    std::mt19937 random(5);
+    for (int round = 0; round < 3000; ++round) {
+      const Bytes bytes =
+          randomBytes(random, 1 + random() % 100, round % 2 ? "abcdefgh\r" : "ab\n");
+      const auto end = static_cast<uint32_t>(bytes.size());
+      const uint32_t from = random() % (end + 1);
+      uint32_t expected = from;
+      while (expected < end && bytes[expected] != '\n' && bytes[expected] != '\r')
+        ++expected;
+      ASSERT_EQ(expected, findLineEnd(bytes.data(), from, end));
+    }
+  }
+}
+
+uint32_t referenceChecksum(const unsigned char *bytes, size_t length) {
+  uint32_t sum = 0;
+  for (size_t i = 0; i < length; ++i)
+    sum ^= static_cast<uint32_t>(bytes[i]) << (8 * (i % 4));
+  return sum;
+}
+
+TEST(ChecksumKernels, CopyAndSumAgreeWithByteAtATimeAtEveryLengthAndAlignment) {
+  EachWidth each;
+  for (const VectorWidth width : each.widths()) {
+    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+    std::mt19937 random(9);
+    const Bytes source = randomBytes(random, 5000,
+                                     std::string("\x00\x01\x7f\x80\xff"
+                                                 "abc",
+                                                 8));
+    for (size_t offset = 0; offset < 8; ++offset) {
+      for (size_t length = 0; length + offset <= source.size(); length += length < 300 ? 1 : 977) {
+        const unsigned char *start = source.data() + offset;
+        const auto n = static_cast<uint32_t>(length);
+        ASSERT_EQ(referenceChecksum(start, length), checksumBytes(start, n)) << length;
+        Bytes target(length + 1, 0xEE);
+        ASSERT_EQ(referenceChecksum(start, length), copyWithChecksum(target.data(), start, n));
+        ASSERT_EQ(0, std::memcmp(target.data(), start, length));
+        ASSERT_EQ(0xEE, target[length]) << "nothing is written behind the copy";
+      }
+    }
+  }
+}
+
+TEST(ChecksumKernels, APartTurnedByItsOffsetJoinsTheWhole) {
+  std::mt19937 random(13);
+  const Bytes bytes = randomBytes(random, 200, "abcdefghijklmnop\x01\xfe");
+  const uint32_t whole = referenceChecksum(bytes.data(), bytes.size());
+  for (uint32_t split = 0; split <= bytes.size(); ++split) {
+    const uint32_t head = checksumBytes(bytes.data(), split);
+    const uint32_t tail = checksumBytes(bytes.data() + split, 200 - split);
+    ASSERT_EQ(whole, head ^ checksumAt(tail, split)) << split;
+  }
+}
+
+// The header block's end as its definition reads: two CRs, or two LFs, counted without
+// regard to the other kind, any other byte setting both counts back.
+uint32_t referenceHeaderLength(const Bytes &bytes) {
+  const auto length = static_cast<uint32_t>(bytes.size());
+  uint32_t returns = 0, feeds = 0;
+  for (uint32_t i = 0; i < length; ++i) {
+    if (bytes[i] == '\n') {
+      if (++feeds >= 2)
+        return i + 1;
+    } else if (bytes[i] == '\r') {
+      if (++returns >= 2)
+        return (i + 1 < length && bytes[i + 1] == '\n') ? i + 2 : i + 1;
+    } else {
+      returns = feeds = 0;
+    }
+  }
+  return length;
+}
+
+TEST(HeaderLength, AgreesWithTheByteByByteScan) {
+  EachWidth each;
+  for (const VectorWidth width : each.widths()) {
+    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+    std::mt19937 random(17);
+    const CMailMsg probe;
+    for (int round = 0; round < 20000; ++round) {
+      const Bytes bytes =
+          randomBytes(random, random() % 60, round % 3 ? "\r\na" : "abcdefghijklmnopqrstuv\r\n");
+      ASSERT_EQ(referenceHeaderLength(bytes),
+                probe.getHeaderLength(bytes.data(), static_cast<uint32_t>(bytes.size())));
+    }
+  }
+}
+
+// findField's definition: the first place where the whole name stands, case aside.
+int32_t referenceFindField(const std::string &name, const Bytes &block, uint32_t searchLength) {
+  if (searchLength == 0 || name.size() > searchLength)
+    return -1;
+  for (uint32_t i = 0; i + name.size() <= searchLength; ++i) {
+    bool same = true;
+    for (size_t j = 0; j < name.size() && same; ++j)
+      same = std::tolower(block[i + j]) == std::tolower(static_cast<unsigned char>(name[j]));
+    if (same)
+      return static_cast<int32_t>(i + name.size() + 1);
+  }
+  return -1;
+}
+
+TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
+  std::mt19937 random(19);
+  const std::vector<std::vector<std::string>> nameSets = {
+      {"\nDate:", "\nTo:", "\nFrom:", "\nSubject:", "\nCc:"},
+      {"\nTo:", "\nto:", "\nT", "\nTo: long name that fits no block of these"},
+      {"Subject:", "\nTo:", ":"}, // a first byte with case, and one without
+      {"\na", "\nb", "\nc", "\nd", "\ne", "\nf", "\ng", "\nh", "\ni"}, // more than one pass takes
+      {"\r", "\n", "\n\n"}};
+  for (int round = 0; round < 4000; ++round) {
+    const std::vector<std::string> &names = nameSets[round % nameSets.size()];
+    Bytes block = randomBytes(random, random() % 80, "\n\r:Tt oOdaSubjectCc");
+    if (round % 7 == 0 && !block.empty())
+      block[random() % block.size()] = 0; // a zero byte is a difference like any other
+    const auto searchLength =
+        static_cast<uint32_t>(block.empty() ? 0 : random() % (block.size() + 1));
+    std::vector<const char *> pointers;
+    for (const std::string &name : names)
+      pointers.push_back(name.c_str());
+    std::vector<int32_t> indexes(names.size(), 7);
+    findFields(pointers.data(), static_cast<int>(names.size()), block.data(), searchLength,
+               indexes.data());
+    for (size_t k = 0; k < names.size(); ++k)
+      ASSERT_EQ(referenceFindField(names[k], block, searchLength), indexes[k]) << k;
+  }
+}
+
+// The framing as the scans' definitions read, one place at a time: the generic scan over a
+// delimiter, from `start`, and the Netscape scan's quick test, line-feed search and parse.
+Ranges referenceFrames(const std::string &file, const std::string &delimiter, uint32_t start) {
+  Ranges ranges;
+  const size_t size = file.size(), n = delimiter.size();
+  size_t offset = start;
+  while (offset < size) {
+    size_t pos = offset, end = size;
+    for (; pos + n < size; ++pos) {
+      if (file.compare(pos, n, delimiter) != 0)
+        continue;
+      if (pos != offset) {
+        end = pos;
+        break;
+      }
+      offset += n;
+      pos = offset - 1;
+    }
+    ranges.emplace_back(offset, end - offset);
+    offset = end;
+  }
+  return ranges;
+}
+
+Ranges referenceNetscapeFrames(const std::string &file) {
+  Ranges ranges;
+  const size_t size = file.size(), n = kNetscapeDelimiterLength;
+  size_t offset = 0;
+  while (offset < size) {
+    size_t pos = offset, end = size;
+    for (; pos + n < size; ++pos) {
+      const size_t lineFeed = file.find('\n', pos + 4);
+      if (file.compare(pos, 4, "From") != 0 || lineFeed == std::string::npos)
+        continue;
+      ScanFields fields = {};
+      if (scanFormat(kNetscapeDelimiterText, bytesOf(file) + pos, bytesOf(file) + lineFeed + 1,
+                     fields) != 8)
+        continue;
+      if (pos != offset) {
+        end = pos;
+        break;
+      }
+      offset = lineFeed + 1;
+      pos = offset - 1;
+    }
+    ranges.emplace_back(offset, end - offset);
+    offset = end;
+  }
+  return ranges;
+}
+
+class ScanEquivalenceTest : public ::testing::Test {
+protected:
+  // The client's own scan over `bytes`, message after message.
+  template <class MailFile> Ranges frame(const std::string &bytes) {
+    const std::string path = dir.file("box");
+    writeFile(path, bytes);
+    MailFile file;
+    EXPECT_EQ(0, file.init(CString(path.c_str())));
+    Ranges ranges;
+    EXPECT_TRUE(runGuarded([&] {
+      while (file.nextMessage() == 0)
+        ranges.emplace_back(file.msgOffset, file.msgLength);
+    }));
+    return ranges;
+  }
+
+  // A mailbox of random pieces: whole and broken delimiters, text, lines that start with
+  // "From" with and without the colons of a time, base64, and a line longer than any test
+  // of a line's colons reaches.
+  std::string mailbox(const std::string &delimiter) {
+    static const std::vector<std::string> pieces = {"Subject: hi\r\n\r\nbody\r\n",
+                                                    "From: ann@example.org\n",
+                                                    "From what I hear\n",
+                                                    "From x y z 12 01:02:03 1998\n",
+                                                    "From - Thu Jan 15 10:30:45 1998\n",
+                                                    "From a b c 1 2:3 4\n",
+                                                    "QUJDRGVGZ2hpamtsbW5vcA==\n",
+                                                    "??@ ???@??? @???\n",
+                                                    "\n\n",
+                                                    "\n\x1a",
+                                                    std::string("\x00\x7f\x00", 3),
+                                                    "Fr",
+                                                    "om ",
+                                                    ":",
+                                                    "\n",
+                                                    "From " + std::string(300, 'x') +
+                                                        " y z 1 2:3:4 5\n"};
+    std::string bytes;
+    const size_t count = random_() % 40;
+    for (size_t i = 0; i < count; ++i)
+      bytes += random_() % 4 == 0 ? delimiter : pieces[random_() % pieces.size()];
+    return bytes.empty() ? "x" : bytes; // a file of zero bytes can't be mapped
+  }
+
+  std::mt19937 random_{23};
+  TempDir dir;
+};
+
+TEST_F(ScanEquivalenceTest, TheGenericScansFrameAsThePlaceByPlaceScan) {
+  EachWidth each;
+  for (const VectorWidth width : each.widths()) {
+    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+    const std::string eudora(reinterpret_cast<const char *>(kEudoraDelimiter), 12);
+    const std::string internet(reinterpret_cast<const char *>(kInternetMailDelimiter), 4);
+    const std::string pegasus(reinterpret_cast<const char *>(kPegasusDelimiter), 3);
+    for (int round = 0; round < 150; ++round) {
+      std::string bytes = mailbox(eudora);
+      ASSERT_EQ(referenceFrames(bytes, eudora, 0), frame<CEudoraMailFile>(bytes)) << round;
+      bytes = mailbox(internet);
+      ASSERT_EQ(referenceFrames(bytes, internet, 0), frame<CInternetMailMailFile>(bytes)) << round;
+      bytes = std::string(kPegasusFileHeaderSize, 'h') + mailbox(pegasus);
+      ASSERT_EQ(referenceFrames(bytes, pegasus, kPegasusFileHeaderSize),
+                frame<CPegasusMailFile>(bytes))
+          << round;
+    }
+  }
+}
+
+TEST_F(ScanEquivalenceTest, TheNetscapeScanFramesAsThePlaceByPlaceScan) {
+  EachWidth each;
+  for (const VectorWidth width : each.widths()) {
+    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+    for (int round = 0; round < 300; ++round) {
+      const std::string bytes = mailbox("From - Thu Jan 15 10:30:45 1998\n");
+      ASSERT_EQ(referenceNetscapeFrames(bytes), frame<CNetscapeMailFile>(bytes)) << round;
+    }
+  }
+}
+
+} // namespace
