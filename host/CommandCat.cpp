@@ -9,24 +9,12 @@
 #include <cstdio>
 
 int runCat(const CommandLine &line, const HostSettings &settings) {
-  int64_t id = 0;
-  if (!parseObjectId(line.arguments.front(), id))
-    return reportUsageError("cat", "ID is the number of a search hit");
-  std::string error;
-  const std::unique_ptr<IndexDb> db =
-      IndexDb::open(settings.databasePath, IndexDb::Access::ReadOnly, error);
-  if (!db)
-    return reportError(error);
-  IndexedObject indexed;
-  if (!db->findObject(id, indexed))
-    return reportError(db->ok() ? "the index holds no message " + std::to_string(id)
-                                : db->errorText());
-  RecordBuffer record;
-  if (!record.assign(indexed.record.data(), indexed.record.size()))
-    return reportError("the record of message " + std::to_string(id) + " is damaged");
-  const std::unique_ptr<AgentLibrary> agent = loadAgent(settings, indexed.agentKey, error);
-  if (!agent)
-    return reportError(error);
+  IndexedHit hit;
+  if (const int status = loadIndexedHit("cat", line, settings, hit))
+    return status;
+  const int64_t id = hit.id;
+  RecordBuffer &record = hit.record;
+  AgentLibrary *const agent = hit.agent.get();
   std::string body;
   {
     OpenedObject object(agent->entries(), record.get());

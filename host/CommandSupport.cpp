@@ -3,6 +3,8 @@
 
 #include "host/AgentRegistry.h"
 #include "host/Clients.h"
+#include "host/ExitStatus.h"
+#include "host/IndexDb.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -47,4 +49,25 @@ bool parseObjectId(const std::string &text, int64_t &id) {
     return false;
   id = std::strtoll(text.c_str(), nullptr, 10);
   return id > 0;
+}
+
+int loadIndexedHit(const std::string &command, const CommandLine &line,
+                   const HostSettings &settings, IndexedHit &hit) {
+  if (!parseObjectId(line.arguments.front(), hit.id))
+    return reportUsageError(command, "ID is the number of a search hit");
+  const std::string id = std::to_string(hit.id);
+  std::string error;
+  const std::unique_ptr<IndexDb> db =
+      IndexDb::open(settings.databasePath, IndexDb::Access::ReadOnly, error);
+  if (!db)
+    return reportError(error);
+  IndexedObject indexed;
+  if (!db->findObject(hit.id, indexed))
+    return reportError(db->ok() ? "the index holds no message " + id : db->errorText());
+  if (!hit.record.assign(indexed.record.data(), indexed.record.size()))
+    return reportError("the record of message " + id + " is damaged");
+  hit.agent = loadAgent(settings, indexed.agentKey, error);
+  if (!hit.agent)
+    return reportError(error);
+  return 0;
 }

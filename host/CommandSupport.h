@@ -3,7 +3,9 @@
 #pragma once
 
 #include "host/AgentLibrary.h"
+#include "host/CommandLine.h"
 #include "host/HostSettings.h"
+#include "host/RecordBuffer.h"
 
 #include <cstdint>
 #include <memory>
@@ -19,3 +21,15 @@ bool existingMailDirectory(const std::string &agentKey, std::string &directory, 
 
 // A hit's id: a positive decimal number.
 bool parseObjectId(const std::string &text, int64_t &id);
+
+// A hit of the index, ready to be opened: its stored record and the agent of its store.
+struct IndexedHit {
+  int64_t id = 0;
+  RecordBuffer record;
+  std::unique_ptr<AgentLibrary> agent;
+};
+
+// Finds the hit that the command line's ID names and loads its agent. Returns 0, or the exit
+// status to give after the error has been reported.
+int loadIndexedHit(const std::string &command, const CommandLine &line,
+                   const HostSettings &settings, IndexedHit &hit);
