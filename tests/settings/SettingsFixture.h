@@ -3,6 +3,7 @@
 // frame to put pages in; and the numbers that tell the four clients apart.
 #pragma once
 
+#include "resources/resource.h"
 #include "cmn/Registry.h"
 #include "platform/WinTypes.h"
 #include "tests/cmn/RegistryFixture.h"
@@ -50,12 +51,13 @@ inline std::vector<Client> allClients() {
 }
 // clang-format on
 
+// The pages' controls, by the ids the resource script gives them.
 enum : int {
-  kMailEdit = 1000,
-  kBrowseMail = 1001,
-  kExeEdit = 1003,
-  kBrowseExe = 1004,
-  kAttachBox = 1007,
+  kMailEdit = IDC_MAIL_EDIT,
+  kBrowseMail = IDC_BROWSE_MAIL,
+  kExeEdit = IDC_EXE_EDIT,
+  kBrowseExe = IDC_BROWSE_EXE,
+  kAttachBox = IDC_ATTACH_CHECK,
 };
 
 class SettingsTest : public ::testing::Test {
