@@ -1,10 +1,10 @@
 // The page cache as a host meets a mail store: files read from disk, not just written.
 //
-// Pages that a program has just written sit in the cache in small pieces, and a mapping of
-// them reads several times slower than of the large pieces that the kernel's read-ahead
-// makes when the same file is read from disk. A benchmark therefore writes its files, drops
-// them from the cache and reads them back, as the store of a person who did not just write
-// it is read.
+// How a file's pages are cached depends on who read them from disk: a mapping that asks for
+// huge pages (as the agent's do) brings them in 2 MB pieces that later mappings map whole,
+// read() and read-ahead in small pieces that every mapping faults in 4 KB at a time. A
+// benchmark therefore writes its files, drops them from the cache, and lets the reader it
+// names read them first, as the store of a person who did not just write it is read.
 #pragma once
 
 #include <cstdint>

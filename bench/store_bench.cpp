@@ -24,12 +24,16 @@ namespace {
 
 const char kUsage[] =
     "usage: store_bench [--size MB] [--messages N] [--clients LIST] [--repeat N]\n"
-    "                   [--slow-repeat N] [--dir DIR] [--keep] [--verify] [--mhhost PATH]\n"
+    "                   [--slow-repeat N] [--first-read agent|cat] [--dir DIR] [--keep]\n"
+    "                   [--verify] [--mhhost PATH]\n"
     "  --size MB       the store of mixed messages (1 KB to 1 MB) per client; 0: none (256)\n"
     "  --messages N    the store of everyday messages (about 5 KB) per client; 0: none (100000)\n"
     "  --clients LIST  eudora,internet,netscape,pegasus (all)\n"
     "  --repeat N      timed runs of cat, mmap and walk; the fastest counts (3)\n"
     "  --slow-repeat N timed runs of the rows that open every object, and mhhost's (1)\n"
+    "  --first-read W  who reads a store first from disk, which decides the size of the\n"
+    "                  pieces its pages are cached in: the agent's walk (2 MB pieces, as its\n"
+    "                  mappings ask) or cat (the small pieces of read-ahead) (agent)\n"
     "  --dir DIR       where the stores are written (a new folder in $TMPDIR)\n"
     "  --keep          leave the stores behind\n"
     "  --verify        also print a digest of everything the entries gave, per store\n"
@@ -41,6 +45,7 @@ struct Options {
   std::vector<Client> clients;
   int repeat = 3;
   int slowRepeat = 1;
+  bool agentReadsFirst = true;
   std::string dir;
   bool keep = false;
   bool verify = false;
@@ -91,7 +96,12 @@ Options parseOptions(int argc, char **argv) {
       options.repeat = std::max(1, std::atoi(value().c_str()));
     else if (arg == "--slow-repeat")
       options.slowRepeat = std::max(1, std::atoi(value().c_str()));
-    else if (arg == "--dir")
+    else if (arg == "--first-read") {
+      const std::string who = value();
+      if (who != "agent" && who != "cat")
+        usage("--first-read takes agent or cat");
+      options.agentReadsFirst = who == "agent";
+    } else if (arg == "--dir")
       options.dir = value();
     else if (arg == "--keep")
       options.keep = true;
@@ -231,6 +241,13 @@ void measure(const Store &store, const Options &options, const std::string &self
   std::vector<std::string> mapArgs = {self, "--child", "map"};
   mapArgs.insert(mapArgs.end(), store.files.mailFiles.begin(), store.files.mailFiles.end());
 
+  // The store was dropped from the cache when it was written: the first reader reads it
+  // from disk and decides how its pages are cached for every run that follows.
+  Row first{options.agentReadsFirst ? "walk, from disk" : "cat, from disk"};
+  first.take(options.agentReadsFirst
+                 ? runProcess({self, "--child", "find", key}, registryEnv, true)
+                 : runProcess(catArgs, {}, false));
+
   Row cat{"cat"}, mapped{"mmap, one pass"}, walk{"walk (find first/next)"};
   Row index{"walk + open/read/props"};
   Row host{"mhhost index"}, again{"mhhost index, unchanged"};
@@ -268,6 +285,7 @@ void measure(const Store &store, const Options &options, const std::string &self
   } else {
     std::printf("  mhhost: not built\n");
   }
+  printRow(first, store, cat);
   if (options.verify) {
     for (const char *mode : {"find", "index"}) {
       const ProcessRun run =
@@ -323,6 +341,9 @@ int main(int argc, char **argv) {
   std::printf("stores in %s; each row the fastest of %d runs (%d for the rows that open every "
               "object), each run right after a read of its files\n",
               options.dir.c_str(), options.repeat, options.slowRepeat);
+  std::printf("each store is dropped from the cache when written and read first from disk by "
+              "%s\n",
+              options.agentReadsFirst ? "the agent's walk" : "cat");
   std::printf("MB/s and msgs/s by the wall clock; \"of cat\": cat's time over the row's, by the "
               "wall clock and by processor time\n");
   const char *zone = std::getenv("TZ");

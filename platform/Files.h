@@ -42,7 +42,8 @@ HANDLE CreateFileMappingA(HANDLE file, SECURITY_ATTRIBUTES *security, DWORD prot
 
 // A read-only shared view of the whole mapping (FILE_MAP_READ, offset 0, size 0). Null on
 // failure. Bytes of the view that another process cuts off by truncating the file fault
-// when touched: read them only inside runGuarded (FaultGuard.h).
+// when touched: read them only inside runGuarded (FaultGuard.h). The view asks the kernel
+// for huge pages, so that what it reads from disk is cached, and mapped, in 2 MB pieces.
 void *MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow, size_t size);
 
 BOOL UnmapViewOfFile(const void *base);

@@ -50,6 +50,21 @@ private:
   std::map<const void *, size_t> lengths_;
 };
 
+// Pages that a view is the first to read from disk come into the cache in 2 MB pieces, and
+// the kernel maps such pieces whole. A view of small cached pieces costs a fault per 4 KB page,
+// which on a virtual machine makes mapped reading several times slower than read(); once a
+// mailbox sits in the cache in large pieces, every later view of it, and every other
+// program's, reads near the speed of memory. Only an advice: where huge pages are switched
+// off the call fails and nothing changes.
+void adviseLargePages(void *base, size_t length) {
+#ifdef MADV_HUGEPAGE
+  ::madvise(base, length, MADV_HUGEPAGE);
+#else
+  (void)base;
+  (void)length;
+#endif
+}
+
 ViewLengths &viewLengths() {
   // Never destroyed: a view may still be released by another library's static destructor.
   static ViewLengths *const lengths = new ViewLengths;
@@ -121,6 +136,7 @@ void *MapViewOfFile(HANDLE mappingHandle, DWORD access, DWORD offsetHigh, DWORD 
     SetLastError(errorFromErrno(errno));
     return nullptr;
   }
+  adviseLargePages(base, length);
   viewLengths().add(base, length);
   return base;
 }
