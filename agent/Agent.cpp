@@ -7,6 +7,7 @@
 #include "store/MailFile.h"
 #include "store/MailInd.h"
 #include "store/MailMsg.h"
+#include "store/LocalTime.h"
 #include "store/MailProps.h"
 
 #include <ctime>
@@ -35,9 +36,8 @@ int32_t messageTime(const CMailMsg &message) {
   fields.tm_hour = hour;
   fields.tm_min = minute;
   fields.tm_sec = second;
-  // Nothing in a message says whether daylight saving was in force: let mktime decide.
-  fields.tm_isdst = -1;
-  return static_cast<int32_t>(static_cast<uint32_t>(std::mktime(&fields)));
+  // Nothing in a message says whether daylight saving was in force: mktime decides.
+  return static_cast<int32_t>(static_cast<uint32_t>(localTimeToSeconds(fields)));
 }
 
 int32_t CMHAgent::openObject(AgentHandle *object, const ObjectRecord *record, int32_t *time) {

@@ -2,6 +2,7 @@
 #include "agent/Agent.h"
 
 #include "agent/Log.h"
+#include "store/LocalTime.h"
 #include "store/MailFile.h"
 #include "store/MailInd.h"
 #include "store/MailMsg.h"
@@ -134,6 +135,8 @@ int32_t CMHAgent::findFirstObjectHandle(uint32_t, AgentHandle *search, ObjectRec
     AGENT_LOG("Couldn't get file extensions\n");
     return StatusNoExtensions;
   }
+  // A walk takes the time zone as it stands when it begins.
+  refreshTimeZone();
   std::unique_ptr<CMailIndex> index = newMailIndex();
   mailIndex = nullptr;
   if (index->initList(agentKeyName, mailPathName, mailExt, ctrlExt) < 0) {

@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ g++-multilib clang libclang-rt-14-dev binutils
-          libgtest-dev libbenchmark-dev libsqlite3-dev)
+          libgtest-dev libbenchmark-dev libsqlite3-dev tzdata)
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||
