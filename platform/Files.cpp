@@ -68,6 +68,44 @@ DWORD GetFileSize(HANDLE handle, DWORD *sizeHigh) {
   return static_cast<DWORD>(size);
 }
 
+namespace {
+
+// Seconds and nanoseconds since 1970 as 100 ns steps since 1601.
+FILETIME fileTimeOf(const struct timespec &moment) {
+  constexpr int64_t kStepsFrom1601To1970 = 116444736000000000;
+  const auto steps = static_cast<uint64_t>(kStepsFrom1601To1970 + int64_t{moment.tv_sec} * 10000000 +
+                                           moment.tv_nsec / 100);
+  return FILETIME{static_cast<DWORD>(steps), static_cast<DWORD>(steps >> 32)};
+}
+
+} // namespace
+
+BOOL GetFileInformationByHandle(HANDLE handle, BY_HANDLE_FILE_INFORMATION *information) {
+  const FileObject *file = handleAs<FileObject>(handle);
+  if (file == nullptr || information == nullptr) {
+    SetLastError(file == nullptr ? ERROR_INVALID_HANDLE : ERROR_INVALID_PARAMETER);
+    return FALSE;
+  }
+  struct stat status;
+  if (::fstat(file->fd.get(), &status) != 0) {
+    SetLastError(errorFromErrno(errno));
+    return FALSE;
+  }
+  const auto size = static_cast<uint64_t>(status.st_size);
+  const auto index = static_cast<uint64_t>(status.st_ino);
+  information->dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
+  information->ftCreationTime = fileTimeOf(status.st_ctim);
+  information->ftLastAccessTime = fileTimeOf(status.st_atim);
+  information->ftLastWriteTime = fileTimeOf(status.st_mtim);
+  information->dwVolumeSerialNumber = static_cast<DWORD>(status.st_dev);
+  information->nFileSizeHigh = static_cast<DWORD>(size >> 32);
+  information->nFileSizeLow = static_cast<DWORD>(size);
+  information->nNumberOfLinks = static_cast<DWORD>(status.st_nlink);
+  information->nFileIndexHigh = static_cast<DWORD>(index >> 32);
+  information->nFileIndexLow = static_cast<DWORD>(index);
+  return TRUE;
+}
+
 BOOL CloseHandle(HANDLE handle) {
   if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {
     SetLastError(ERROR_INVALID_HANDLE);

@@ -47,6 +47,29 @@ HANDLE CreateFileMappingA(HANDLE file, SECURITY_ATTRIBUTES *security, DWORD prot
 void *MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow, size_t size);
 
 BOOL UnmapViewOfFile(const void *base);
+
+// What names a file and its state, as GetFileInformationByHandle gives it. The volume serial
+// number and file index are the device and inode numbers (low 32 bits of the device);
+// ftLastWriteTime counts 100 ns steps since 1601, as on Windows.
+struct FILETIME {
+  DWORD dwLowDateTime;
+  DWORD dwHighDateTime;
+};
+struct BY_HANDLE_FILE_INFORMATION {
+  DWORD dwFileAttributes;
+  FILETIME ftCreationTime;
+  FILETIME ftLastAccessTime;
+  FILETIME ftLastWriteTime;
+  DWORD dwVolumeSerialNumber;
+  DWORD nFileSizeHigh;
+  DWORD nFileSizeLow;
+  DWORD nNumberOfLinks;
+  DWORD nFileIndexHigh;
+  DWORD nFileIndexLow;
+};
+
+// The file's identity, size and times now. FALSE with GetLastError set on failure.
+BOOL GetFileInformationByHandle(HANDLE file, BY_HANDLE_FILE_INFORMATION *information);
 BOOL CloseHandle(HANDLE handle);
 
 DWORD GetLastError();
