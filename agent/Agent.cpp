@@ -41,13 +41,17 @@ int32_t messageTime(const CMailMsg &message) {
 }
 
 int32_t CMHAgent::openObject(AgentHandle *object, const ObjectRecord *record, int32_t *time) {
-  std::unique_ptr<CMailFile> mailFile = newMailFile();
   const CString path(record->path);
-  if (mailFile->init(path) < 0) {
-    AGENT_LOG("Couldn't initialise mailFile\n");
-    return StatusMailFileFailed;
+  if (!objectMailFile || !objectMailFile->mapsFileNow(path)) {
+    objectMailFile.reset(); // one mailbox mapped at a time
+    std::unique_ptr<CMailFile> mailFile = newMailFile();
+    if (mailFile->init(path) < 0) {
+      AGENT_LOG("Couldn't initialise mailFile\n");
+      return StatusMailFileFailed;
+    }
+    objectMailFile = std::move(mailFile);
   }
-  std::unique_ptr<CMailMsg> message = mailFile->getMsgAt(record->offset, record->length);
+  std::unique_ptr<CMailMsg> message = objectMailFile->getMsgAt(record->offset, record->length);
   if (!message) {
     AGENT_LOG("Couldn't get message from mailFile.                    Offset: %d, Size: %d\n",
               static_cast<int>(record->offset), static_cast<int>(record->length));
@@ -59,8 +63,11 @@ int32_t CMHAgent::openObject(AgentHandle *object, const ObjectRecord *record, in
     *object = AGENT_INVALID_HANDLE;
     return StatusOpenFailed;
   }
-  if (time)
+  if (time) {
+    // An object is opened on its own: the time zone is taken as it stands now.
+    refreshTimeZone();
     *time = messageTime(*message);
+  }
   *object = reinterpret_cast<AgentHandle>(message.release());
   return StatusOk;
 }

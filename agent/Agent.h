@@ -75,6 +75,10 @@ public:
   int setRegistrySettings(const CString &mailPath, const CString &exePath);
 
   CMailIndex *mailIndex = nullptr;     // the search last started, continued or closed
+  // The mailbox that the last openObject mapped, kept for the next: a host opens the objects
+  // of a mailbox one after the other, and mapping the whole mailbox again for each one costs
+  // far more than the message.
+  std::unique_ptr<CMailFile> objectMailFile;
   std::unique_ptr<CPropPage> propPage; // the open settings page; closed with the agent
   CString agentKeyName;
   int32_t largeIcon = 0;

@@ -40,6 +40,9 @@ public:
   // Drops the present mapping and maps `name`; an empty name only drops it. 0, or -1.
   int setMailbox(const CString &name);
   int isOpen() const { return mapBase.get() != nullptr ? 1 : 0; }
+  // True when this object maps `name` and the file there is still the one mapped, at the
+  // size mapped: its view then shows the file's bytes as they are now.
+  bool mapsFileNow(const CString &name) const;
   std::unique_ptr<CString> getFileName() const { return std::make_unique<CString>(fileName); }
 
   ScopedHandle fileHandle;
