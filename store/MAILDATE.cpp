@@ -4,7 +4,9 @@
 #include "agent/Log.h"
 #include "resources/resource.h"
 
+#include <algorithm>
 #include <climits>
+#include <cstring>
 
 AGENT_LOG_SOURCE(".\\MAILDATE");
 
@@ -15,16 +17,16 @@ bool monthNamesLoaded = false;
 
 bool isDigit(char ch) { return ch >= '0' && ch <= '9'; }
 
-// atoi without its undefined overflow: leading white space, a sign, digits; clamped to 32 bits.
-int32_t toInt(const CString &text) {
-  const char *p = text.GetString();
-  while (*p == ' ' || (*p >= '\t' && *p <= '\r'))
+// atoi over the bytes from `p` to `end`, without its undefined overflow: leading white space,
+// a sign, digits; clamped to 32 bits. A zero byte ends the number as it ends a C string.
+int32_t toInt(const char *p, const char *end) {
+  while (p != end && (*p == ' ' || (*p >= '\t' && *p <= '\r')))
     ++p;
   bool negative = false;
-  if (*p == '+' || *p == '-')
+  if (p != end && (*p == '+' || *p == '-'))
     negative = *p++ == '-';
   int64_t value = 0;
-  for (; isDigit(*p); ++p) {
+  for (; p != end && isDigit(*p); ++p) {
     value = value * 10 + (*p - '0');
     if (value > int64_t{INT32_MAX} + 1)
       value = int64_t{INT32_MAX} + 1;
@@ -66,31 +68,47 @@ int CMailDate::tokenise() {
   return tokenCount_;
 }
 
+// The first blank at or behind `from`, or -1.
+int CMailDate::findBlank(int from) const {
+  const int length = text_.GetLength();
+  if (from >= length)
+    return -1;
+  const char *text = text_.GetString();
+  const void *blank = std::memchr(text + from, ' ', static_cast<size_t>(length - from));
+  return blank ? static_cast<int>(static_cast<const char *>(blank) - text) : -1;
+}
+
 int CMailDate::tokenLength(int token) const {
-  const int blank = text_.Find(' ', tokens_[token]);
+  const int blank = findBlank(tokens_[token]);
   return (blank < 0 ? text_.GetLength() : blank) - tokens_[token];
 }
 
 int CMailDate::parseTime() {
   hour = minute = second = 0;
-  CString timeText;
-  bool found = false;
-  for (int token = 0; token < tokenCount_ && !found; ++token) {
-    const int blank = text_.Find(' ', tokens_[token]);
+  // The time is the word behind the blank that ends a token: up to the next blank, or to a
+  // zero byte, which ends it as it ends a C string.
+  const char *const text = text_.GetString();
+  const int length = text_.GetLength();
+  int start = 0, end = 0, colon = -1;
+  for (int token = 0; token < tokenCount_ && colon < 0; ++token) {
+    const int blank = findBlank(tokens_[token]);
     if (blank < 0 || blank >= tokens_[token + 1])
       continue;
-    timeText = text_.Mid(blank + 1).SpanExcluding(" ");
-    found = timeText.Find(':') >= 0;
+    start = end = blank + 1;
+    while (end < length && text[end] != ' ' && text[end] != '\0')
+      ++end;
+    const void *found = std::memchr(text + start, ':', static_cast<size_t>(end - start));
+    if (found)
+      colon = static_cast<int>(static_cast<const char *>(found) - text);
   }
-  if (!found)
+  if (colon < 0)
     return 0;
 
-  const int colon = timeText.Find(':');
-  const bool secondColon = timeText.GetLength() > colon + 3 && timeText[colon + 3] == ':';
-  hour = toInt(timeText.Left(colon));
-  minute = toInt(timeText.Mid(colon + 1, 2));
+  const bool secondColon = end > colon + 3 && text[colon + 3] == ':';
+  hour = toInt(text + start, text + colon);
+  minute = toInt(text + colon + 1, text + std::min(colon + 3, end));
   if (secondColon)
-    second = toInt(timeText.Mid(colon + 4, 2));
+    second = toInt(text + colon + 4, text + std::min(colon + 6, end));
   return 1;
 }
 
@@ -98,7 +116,8 @@ int CMailDate::parseDay() {
   for (int token = 0; token < tokenCount_; ++token) {
     const int length = tokenLength(token);
     if (length == 1 || length == 2) {
-      day = toInt(text_.Mid(tokens_[token], length));
+      const char *digits = text_.GetString() + tokens_[token];
+      day = toInt(digits, digits + length);
       return 1;
     }
   }
@@ -122,7 +141,8 @@ int CMailDate::parseYear() {
     const int length = tokenLength(token);
     const bool leadingDigit = isDigit(text_[tokens_[token]]);
     if (leadingDigit && (length == 4 || (length == 2 && passedTwoDigits))) {
-      const int32_t value = toInt(text_.Mid(tokens_[token], length));
+      const char *digits = text_.GetString() + tokens_[token];
+      const int32_t value = toInt(digits, digits + length);
       year = length == 4 ? value - 1900 : value;
       return 1;
     }

@@ -32,8 +32,10 @@ private:
   int parseMonth();
   int parseYear();
   int tokenLength(int token) const;
+  int findBlank(int from) const;
 
-  const CString text_;
+  // The text is read only while the constructor runs.
+  const CString &text_;
   int32_t tokens_[kMaxTokens + 1] = {};
   int tokenCount_ = 0;
 
