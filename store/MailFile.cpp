@@ -19,6 +19,7 @@ int CMailFile::setDelimiter(const void *bytes, uint32_t length, uint32_t capacit
   std::memset(buffer.get() + length, 0, capacity - length);
   delimiter = std::move(buffer);
   delimiterLength = length;
+  delimiterPair = rarestPair(delimiter.get(), length);
   return 0;
 }
 
@@ -143,7 +144,7 @@ int CMailFile::scanFrom(uint32_t offset) {
   // Look for two rare bytes of the delimiter together, not its first byte alone: Eudora's 'F'
   // stands every 64 bytes of a base64 attachment and Pegasus's line feed on every line, while
   // "?..@" and LF 0x1A hardly ever do. Only where both stand is the whole delimiter compared.
-  const BytePair pair = rarestPair(pattern, patternLength);
+  const BytePair &pair = delimiterPair;
   // A delimiter counts only with at least one byte of the file behind it.
   while (patternLength != 0 && uint64_t{pos} + patternLength < fileSize) {
     const uint32_t lastStart = fileSize - patternLength - 1;

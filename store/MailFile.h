@@ -8,6 +8,7 @@
 #include "platform/CString.h"
 #include "platform/Files.h"
 #include "platform/Object.h"
+#include "store/ByteSearch.h"
 #include "store/MallocPtr.h"
 
 #include <cstdint>
@@ -54,6 +55,7 @@ public:
   uint32_t msgLength = 0;
   MallocPtr<unsigned char> delimiter;
   uint32_t delimiterLength = 0;
+  BytePair delimiterPair; // the two bytes of the delimiter that the scan looks for
 
 protected:
   // Called when the object has mapped another mailbox (or none), for scans that keep state.
