@@ -2,6 +2,7 @@
 // byte stands, every name not yet settled is compared.
 #include "store/FieldSearch.h"
 
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -10,6 +11,10 @@ constexpr int kMaxNamesAtOnce = 8;
 
 unsigned char lower(unsigned char byte) {
   return (byte >= 'A' && byte <= 'Z') ? static_cast<unsigned char>(byte + ('a' - 'A')) : byte;
+}
+
+unsigned char upper(unsigned char byte) {
+  return (byte >= 'a' && byte <= 'z') ? static_cast<unsigned char>(byte - ('a' - 'A')) : byte;
 }
 
 bool hasCase(unsigned char byte) {
@@ -31,6 +36,7 @@ struct Name {
   uint32_t length;    // at least 1
   uint32_t lastStart; // the last index at which the whole name fits the block
   int index;          // which result it fills
+  unsigned char second; // the second byte in lower case, 0 for a name of one byte
 };
 
 // The search for one name alone, place by place.
@@ -68,7 +74,9 @@ void findFields(const char *const names[], int count, const unsigned char *start
       indexes[k] = 1; // every place matches an empty name: the first one, 0, wins
       continue;
     }
-    const Name name = {names[k], length, searchLength - length, k};
+    const Name name = {names[k], length, searchLength - length, k,
+                       static_cast<unsigned char>(
+                           length > 1 ? lower(static_cast<unsigned char>(names[k][1])) : 0)};
     const auto first = static_cast<unsigned char>(name.text[0]);
     if (hasCase(first) || open == kMaxNamesAtOnce ||
         (open != 0 && first != static_cast<unsigned char>(pending[0].text[0]))) {
@@ -84,27 +92,56 @@ void findFields(const char *const names[], int count, const unsigned char *start
     return;
 
   // The pending names start with the same caseless byte: visit each place where it stands
-  // once, up to the last place that can hold any of them.
+  // once, up to the last place that can hold any of them. Most places are the start of a line
+  // that no name is, and the byte behind tells: a table gives, for each value of it, the
+  // names that can start there.
   const auto first = static_cast<unsigned char>(pending[0].text[0]);
-  uint32_t lastStart = 0;
-  for (int p = 0; p < open; ++p)
-    lastStart = pending[p].lastStart > lastStart ? pending[p].lastStart : lastStart;
-  for (uint32_t i = 0; open != 0 && i <= lastStart; ++i) {
+  uint8_t startsWith[256] = {};
+  uint8_t anySecond = 0; // names of one byte, found wherever the first byte stands
+  uint8_t unsettled = 0;
+  uint32_t lastStart = 0, nearestLast = UINT32_MAX;
+  for (int p = 0; p < open; ++p) {
+    const Name &name = pending[p];
+    const auto bit = static_cast<uint8_t>(1u << p);
+    unsettled |= bit;
+    lastStart = name.lastStart > lastStart ? name.lastStart : lastStart;
+    nearestLast = name.lastStart < nearestLast ? name.lastStart : nearestLast;
+    if (name.length == 1) {
+      anySecond |= bit;
+    } else {
+      startsWith[name.second] |= bit;
+      startsWith[upper(name.second)] |= bit;
+    }
+  }
+  for (uint32_t i = 0; unsettled != 0 && i <= lastStart; ++i) {
     const void *hit = std::memchr(start + i, first, lastStart - i + 1);
     if (hit == nullptr)
       break;
     i = static_cast<uint32_t>(static_cast<const unsigned char *>(hit) - start);
-    for (int p = 0; p < open;) {
-      const Name &name = pending[p];
-      const bool beyond = i > name.lastStart;
-      if (!beyond && !spells(start + i + 1, name.text + 1, name.length - 1)) {
-        ++p;
-        continue;
+    if (i > nearestLast) {
+      // Names that no longer fit behind this place are settled as not found.
+      nearestLast = UINT32_MAX;
+      for (int p = 0; p < open; ++p) {
+        const auto bit = static_cast<uint8_t>(1u << p);
+        if ((unsettled & bit) == 0)
+          continue;
+        if (i > pending[p].lastStart)
+          unsettled = static_cast<uint8_t>(unsettled & ~bit);
+        else if (pending[p].lastStart < nearestLast)
+          nearestLast = pending[p].lastStart;
       }
-      // Found here, or past the last place that can hold it: settled either way.
-      if (!beyond)
-        indexes[name.index] = static_cast<int32_t>(i + name.length + 1);
-      pending[p] = pending[--open];
+    }
+    // i <= lastStart < searchLength; a name of two bytes or more fits only with i + 1 inside.
+    const uint8_t second = i + 1 < searchLength ? startsWith[start[i + 1]] : 0;
+    unsigned candidates = (second | anySecond) & unsettled;
+    while (candidates != 0) {
+      const int p = __builtin_ctz(candidates);
+      candidates &= candidates - 1;
+      const Name &name = pending[p];
+      if (name.length > 2 && !spells(start + i + 2, name.text + 2, name.length - 2))
+        continue;
+      indexes[name.index] = static_cast<int32_t>(i + name.length + 1);
+      unsettled = static_cast<uint8_t>(unsettled & ~(1u << p));
     }
   }
 }
