@@ -178,7 +178,85 @@ uint32_t findPairSse2(const unsigned char *bytes, uint32_t p, uint32_t last, con
 
 #endif
 
+bool isLineEnd(unsigned char byte) {
+  return byte == '\n' || byte == '\r';
+}
+
+// Whether a run with a repeated line end starts at p, seeing no byte at or past `end`.
+bool repeatAt(const unsigned char *bytes, uint32_t p, uint32_t end) {
+  if (!isLineEnd(bytes[p]) || p + 1 >= end || !isLineEnd(bytes[p + 1]))
+    return false;
+  return bytes[p] == bytes[p + 1] || (p + 2 < end && isLineEnd(bytes[p + 2]));
+}
+
+uint32_t findRepeatedLineEndOneByOne(const unsigned char *bytes, uint32_t p, uint32_t end) {
+  for (; p < end; ++p)
+    if (repeatAt(bytes, p, end))
+      return p;
+  return end;
+}
+
+#if defined(__x86_64__)
+// A run starts at p with a repeat where p and p + 1 are line ends and either they are equal
+// or p + 2 is one too: a run of three always repeats a byte. The first such p of a walk from
+// the left is a run's start, for at the start of the same run it would have held already.
+__attribute__((target("avx2"), always_inline)) inline __m256i lineEnds(__m256i block) {
+  return _mm256_or_si256(_mm256_cmpeq_epi8(block, _mm256_set1_epi8('\n')),
+                         _mm256_cmpeq_epi8(block, _mm256_set1_epi8('\r')));
+}
+
+__attribute__((target("avx2"))) uint32_t findRepeatedLineEndAvx2(const unsigned char *bytes,
+                                                                 uint32_t p, uint32_t end) {
+  while (end - p >= 34) {
+    const __m256i here = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(bytes + p));
+    const __m256i next = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(bytes + p + 1));
+    const __m256i after = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(bytes + p + 2));
+    const __m256i pairs = _mm256_and_si256(lineEnds(here), lineEnds(next));
+    const __m256i repeats =
+        _mm256_and_si256(pairs, _mm256_or_si256(_mm256_cmpeq_epi8(here, next), lineEnds(after)));
+    const auto mask = static_cast<unsigned>(_mm256_movemask_epi8(repeats));
+    if (mask != 0)
+      return p + firstBit(mask);
+    p += 32;
+  }
+  return findRepeatedLineEndOneByOne(bytes, p, end);
+}
+
+inline __m128i lineEnds(__m128i block) {
+  return _mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8('\n')),
+                      _mm_cmpeq_epi8(block, _mm_set1_epi8('\r')));
+}
+
+uint32_t findRepeatedLineEndSse2(const unsigned char *bytes, uint32_t p, uint32_t end) {
+  while (end - p >= 18) {
+    const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + p));
+    const __m128i next = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + p + 1));
+    const __m128i after = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + p + 2));
+    const __m128i pairs = _mm_and_si128(lineEnds(here), lineEnds(next));
+    const __m128i repeats =
+        _mm_and_si128(pairs, _mm_or_si128(_mm_cmpeq_epi8(here, next), lineEnds(after)));
+    const auto mask = static_cast<unsigned>(_mm_movemask_epi8(repeats));
+    if (mask != 0)
+      return p + firstBit(mask);
+    p += 16;
+  }
+  return findRepeatedLineEndOneByOne(bytes, p, end);
+}
+#endif
+
 } // namespace
+
+uint32_t findRepeatedLineEnd(const unsigned char *bytes, uint32_t from, uint32_t end) {
+  if (from >= end)
+    return end;
+#if defined(__x86_64__)
+  if (useAvx2())
+    return findRepeatedLineEndAvx2(bytes, from, end);
+  if (useSse2())
+    return findRepeatedLineEndSse2(bytes, from, end);
+#endif
+  return findRepeatedLineEndOneByOne(bytes, from, end);
+}
 
 BytePair rarestPair(const unsigned char *pattern, uint32_t length) {
   BytePair pair;

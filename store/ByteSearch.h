@@ -28,3 +28,8 @@ uint32_t findPair(const unsigned char *bytes, uint32_t from, uint32_t last, cons
 
 // The position of the first CR or LF in [from, end), or `end` when there is none.
 uint32_t findLineEnd(const unsigned char *bytes, uint32_t from, uint32_t end);
+
+// The first position in [from, end) at which a run of CR and LF bytes starts that holds one
+// of them twice (the blank line behind a header block: "\n\n", "\r\r", "\r\n\r\n", ...), or
+// `end` when there is none. A run of two different ones is a plain line end.
+uint32_t findRepeatedLineEnd(const unsigned char *bytes, uint32_t from, uint32_t end);

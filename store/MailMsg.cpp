@@ -37,11 +37,12 @@ uint32_t CMailMsg::computeChecksum(const unsigned char *start, uint32_t length) 
 }
 
 uint32_t CMailMsg::getHeaderLength(const unsigned char *start, uint32_t length) const {
-  // Only runs of CR and LF bytes count: any other byte sets both counts back to 0. So the
-  // scan leaps from one line end to the next and counts within each run, from 0.
+  // Only runs of CR and LF bytes count: any other byte sets both counts back to 0. Only a run
+  // that holds a byte twice can end the block: the scan leaps to the first such run and
+  // counts within it, from 0.
   uint32_t i = 0;
   for (;;) {
-    i = findLineEnd(start, i, length);
+    i = findRepeatedLineEnd(start, i, length);
     uint32_t carriageReturns = 0;
     uint32_t lineFeeds = 0;
     for (; i < length; ++i) {
