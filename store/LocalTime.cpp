@@ -14,8 +14,8 @@ constexpr time_t kDay = 24 * 60 * 60;
 // twice within a day. The agent's entries run one at a time, so one table serves them.
 struct DayOffset {
   int32_t day;
-  int32_t offset;  // seconds east of UTC, or kUnsteady
-  uint32_t zone;   // the refresh it was examined after; 0: not examined
+  int32_t offset; // seconds east of UTC, or kUnsteady
+  uint32_t zone;  // the refresh it was examined after; 0: not examined
 };
 
 constexpr int32_t kUnsteady = INT32_MIN;

@@ -236,28 +236,32 @@ int32_t referenceFindField(const std::string &name, const Bytes &block, uint32_t
 }
 
 TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
-  std::mt19937 random(19);
-  const std::vector<std::vector<std::string>> nameSets = {
-      {"\nDate:", "\nTo:", "\nFrom:", "\nSubject:", "\nCc:"},
-      {"\nTo:", "\nto:", "\nT", "\nTo: long name that fits no block of these"},
-      {"Subject:", "\nTo:", ":"}, // a first byte with case, and one without
-      {"\na", "\nb", "\nc", "\nd", "\ne", "\nf", "\ng", "\nh", "\ni"}, // more than one pass takes
-      {"\r", "\n", "\n\n"}};
-  for (int round = 0; round < 4000; ++round) {
-    const std::vector<std::string> &names = nameSets[round % nameSets.size()];
-    Bytes block = randomBytes(random, random() % 80, "\n\r:Tt oOdaSubjectCc");
-    if (round % 7 == 0 && !block.empty())
-      block[random() % block.size()] = 0; // a zero byte is a difference like any other
-    const auto searchLength =
-        static_cast<uint32_t>(block.empty() ? 0 : random() % (block.size() + 1));
-    std::vector<const char *> pointers;
-    for (const std::string &name : names)
-      pointers.push_back(name.c_str());
-    std::vector<int32_t> indexes(names.size(), 7);
-    findFields(pointers.data(), static_cast<int>(names.size()), block.data(), searchLength,
-               indexes.data());
-    for (size_t k = 0; k < names.size(); ++k)
-      ASSERT_EQ(referenceFindField(names[k], block, searchLength), indexes[k]) << k;
+  EachWidth each;
+  for (const VectorWidth width : each.widths()) {
+    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+    std::mt19937 random(19);
+    const std::vector<std::vector<std::string>> nameSets = {
+        {"\nDate:", "\nTo:", "\nFrom:", "\nSubject:", "\nCc:"},
+        {"\nTo:", "\nto:", "\nT", "\nTo: long name that fits no block of these"},
+        {"Subject:", "\nTo:", ":"}, // a first byte with case, and one without
+        {"\na", "\nb", "\nc", "\nd", "\ne", "\nf", "\ng", "\nh", "\ni"}, // more than one pass takes
+        {"\r", "\n", "\n\n"}};
+    for (int round = 0; round < 4000; ++round) {
+      const std::vector<std::string> &names = nameSets[round % nameSets.size()];
+      Bytes block = randomBytes(random, random() % 120, "\n\r:Tt oOdaSubjectCc");
+      if (round % 7 == 0 && !block.empty())
+        block[random() % block.size()] = 0; // a zero byte is a difference like any other
+      const auto searchLength =
+          static_cast<uint32_t>(block.empty() ? 0 : random() % (block.size() + 1));
+      std::vector<const char *> pointers;
+      for (const std::string &name : names)
+        pointers.push_back(name.c_str());
+      std::vector<int32_t> indexes(names.size(), 7);
+      findFields(pointers.data(), static_cast<int>(names.size()), block.data(), searchLength,
+                 indexes.data());
+      for (size_t k = 0; k < names.size(); ++k)
+        ASSERT_EQ(referenceFindField(names[k], block, searchLength), indexes[k]) << k;
+    }
   }
 }
 
