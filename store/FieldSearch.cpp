@@ -2,14 +2,8 @@
 // byte stands, every name not yet settled is compared.
 #include "store/FieldSearch.h"
 
-#include "store/VectorWidth.h"
-
 #include <cstdint>
 #include <cstring>
-
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
 
 namespace {
 
@@ -39,9 +33,9 @@ bool spells(const unsigned char *text, const char *name, uint32_t length) {
 
 struct Name {
   const char *text;
-  uint32_t length;      // at least 1
-  uint32_t lastStart;   // the last index at which the whole name fits the block
-  int index;            // which result it fills
+  uint32_t length;    // at least 1
+  uint32_t lastStart; // the last index at which the whole name fits the block
+  int index;          // which result it fills
   unsigned char second; // the second byte in lower case, 0 for a name of one byte
 };
 
@@ -62,31 +56,6 @@ int32_t findOne(const Name &name, const unsigned char *start) {
       return static_cast<int32_t>(i + name.length + 1);
   }
   return -1;
-}
-
-// Calls visit(i) for each i <= last where bytes[i] == byte, in order, until it returns
-// false. A header block's lines are short: a vector step finds every line start of 16 bytes
-// at once, where a library search would be called once per line.
-template <class Visit>
-void forEachPlaceOf(unsigned char byte, const unsigned char *bytes, uint32_t last, Visit &&visit) {
-  uint32_t i = 0;
-#if defined(__x86_64__)
-  if (useSse2()) {
-    const __m128i wanted = _mm_set1_epi8(static_cast<char>(byte));
-    for (; last - i >= 15; i += 16) {
-      auto mask = static_cast<unsigned>(_mm_movemask_epi8(
-          _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + i)), wanted)));
-      for (; mask != 0; mask &= mask - 1)
-        if (!visit(i + static_cast<uint32_t>(__builtin_ctz(mask))))
-          return;
-      if (last - i == 15)
-        return;
-    }
-  }
-#endif
-  for (; i <= last; ++i)
-    if (bytes[i] == byte && !visit(i))
-      return;
 }
 
 } // namespace
@@ -144,8 +113,11 @@ void findFields(const char *const names[], int count, const unsigned char *start
       startsWith[upper(name.second)] |= bit;
     }
   }
-  // Looks at place i, where the first byte stands; false once every name is settled.
-  const auto visit = [&](uint32_t i) {
+  for (uint32_t i = 0; unsettled != 0 && i <= lastStart; ++i) {
+    const void *hit = std::memchr(start + i, first, lastStart - i + 1);
+    if (hit == nullptr)
+      break;
+    i = static_cast<uint32_t>(static_cast<const unsigned char *>(hit) - start);
     if (i > nearestLast) {
       // Names that no longer fit behind this place are settled as not found.
       nearestLast = UINT32_MAX;
@@ -171,7 +143,5 @@ void findFields(const char *const names[], int count, const unsigned char *start
       indexes[name.index] = static_cast<int32_t>(i + name.length + 1);
       unsettled = static_cast<uint8_t>(unsettled & ~(1u << p));
     }
-    return unsettled != 0;
-  };
-  forEachPlaceOf(first, start, lastStart, visit);
+  }
 }
