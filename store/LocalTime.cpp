@@ -60,6 +60,51 @@ bool fitsDayNumber(int64_t day) {
   return day > INT32_MIN && day < INT32_MAX - 2;
 }
 
+// Days from 1 January 1970 to the given day of the proleptic Gregorian calendar (month 1 to
+// 12, any day).
+int64_t daysFromCivil(int64_t year, int64_t month, int64_t day) {
+  year -= month <= 2 ? 1 : 0;
+  const int64_t era = (year >= 0 ? year : year - 399) / 400;
+  const int64_t yearOfEra = year - era * 400;
+  const int64_t dayOfYear = (153 * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
+  const int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+  return era * 146097 + dayOfEra - 719468;
+}
+
+// The fields read as UTC, normalised as timegm normalises them (a month out of range moves
+// the year, the rest just adds up); false when the result does not fit a time_t.
+bool secondsAsUtc(const struct tm &fields, time_t &seconds) {
+  int64_t year = int64_t{fields.tm_year} + 1900 + fields.tm_mon / 12;
+  int64_t month = fields.tm_mon % 12;
+  if (month < 0) {
+    month += 12;
+    --year;
+  }
+  const int64_t days = daysFromCivil(year, month + 1, 1) + fields.tm_mday - 1;
+  const int64_t total =
+      days * kDay + int64_t{fields.tm_hour} * 3600 + int64_t{fields.tm_min} * 60 + fields.tm_sec;
+  seconds = static_cast<time_t>(total);
+  return static_cast<int64_t>(seconds) == total;
+}
+
+// A zone of the "right" kind counts leap seconds in UTC too: its local times are mktime's to
+// convert, every one. It is told by timegm, which counts them, disagreeing with the sum above
+// on a date after the first leap second.
+uint32_t leapCheckedZone = 0;
+bool zoneCountsLeapSeconds = false;
+
+bool countsLeapSeconds() {
+  if (leapCheckedZone != currentZone) {
+    struct tm probe = {};
+    probe.tm_year = 120;
+    probe.tm_mday = 1;
+    time_t sum = 0;
+    zoneCountsLeapSeconds = !secondsAsUtc(probe, sum) || timegm(&probe) != sum;
+    leapCheckedZone = currentZone;
+  }
+  return zoneCountsLeapSeconds;
+}
+
 } // namespace
 
 void refreshTimeZone() {
@@ -72,11 +117,9 @@ void refreshTimeZone() {
 }
 
 time_t localTimeToSeconds(const struct tm &fields) {
-  // The fields read as UTC: timegm normalises them as mktime does, without a zone.
-  struct tm utc = fields;
-  utc.tm_isdst = 0;
-  const time_t asUtc = timegm(&utc);
-  if (asUtc == -1)
+  // The fields read as UTC, normalised as mktime normalises them, without a zone.
+  time_t asUtc = 0;
+  if (countsLeapSeconds() || !secondsAsUtc(fields, asUtc))
     return slowPath(fields);
   // Where the offset is steady around the day, the local time is the moment the fields less
   // that offset. Everything else (a gap or an overlap of daylight saving, a zone that changed

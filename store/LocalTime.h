@@ -3,8 +3,8 @@
 // glibc's mktime looks the time zone up again on every call, which without TZ set is a
 // status call on /etc/localtime; a walk converts one date per message. The conversion here
 // takes the zone as it stood at the last refreshTimeZone (or at the first conversion) and
-// hands every time near a change of the zone's offset to mktime itself, so its results are
-// mktime's.
+// hands every time near a change of the zone's offset, and every time of a zone that counts
+// leap seconds, to mktime itself, so its results are mktime's.
 #pragma once
 
 #include <ctime>

@@ -69,25 +69,25 @@ TEST_P(LocalTimeTest, EqualsMktimeThroughTwoYearsOfChanges) {
 TEST_P(LocalTimeTest, EqualsMktimeForFieldsOutOfRange) {
   const ZoneScope zone(GetParam());
   const struct tm cases[] = {
-      fieldsOf(71, 1, 1, 0, 0, 0),     fieldsOf(70, 0, 1, 0, 0, 0),
+      fieldsOf(71, 1, 1, 0, 0, 0),      fieldsOf(70, 0, 1, 0, 0, 0),
       fieldsOf(69, 11, 31, 23, 59, 59), fieldsOf(138, 0, 19, 3, 14, 8),
-      fieldsOf(138, 0, 19, 3, 14, 7),  fieldsOf(101, 13, 0, 25, 61, 61),
+      fieldsOf(138, 0, 19, 3, 14, 7),   fieldsOf(101, 13, 0, 25, 61, 61),
       fieldsOf(99, -1, 32, -1, -1, -1), fieldsOf(0, 0, 1, 0, 0, 0),
-      fieldsOf(-1000, 0, 1, 0, 0, 0),  fieldsOf(8099, 11, 31, 0, 0, 0),
-      fieldsOf(124, 2, 31, 2, 30, 0),  fieldsOf(124, 9, 27, 2, 30, 0),
+      fieldsOf(-1000, 0, 1, 0, 0, 0),   fieldsOf(8099, 11, 31, 0, 0, 0),
+      fieldsOf(124, 2, 31, 2, 30, 0),   fieldsOf(124, 9, 27, 2, 30, 0),
   };
   for (const struct tm &fields : cases)
     EXPECT_EQ(viaMktime(fields), localTimeToSeconds(fields))
-        << fields.tm_year << "-" << fields.tm_mon << "-" << fields.tm_mday << " "
-        << fields.tm_hour << ":" << fields.tm_min << ":" << fields.tm_sec;
+        << fields.tm_year << "-" << fields.tm_mon << "-" << fields.tm_mday << " " << fields.tm_hour
+        << ":" << fields.tm_min << ":" << fields.tm_sec;
 }
 
 // UTC, whole and half hours of daylight saving on both hemispheres, a zone that moved across
-// the date line, and a rule given in the variable itself.
+// the date line, one that counts leap seconds, and a rule given in the variable itself.
 INSTANTIATE_TEST_SUITE_P(Zones, LocalTimeTest,
                          ::testing::Values("UTC", "Europe/Berlin", "America/New_York",
                                            "Australia/Lord_Howe", "America/Santiago",
-                                           "Pacific/Apia", "Asia/Kolkata",
+                                           "Pacific/Apia", "Asia/Kolkata", "right/Europe/Paris",
                                            "CET-1CEST,M3.5.0,M10.5.0/3"));
 
 // The zone is taken when the walk begins: a change of TZ counts from the next refresh on.
