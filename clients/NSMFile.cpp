@@ -106,7 +106,9 @@ int CNetscapeMailFile::nextMessage() {
   }
   const unsigned char *const base = mapBase.get();
   const unsigned char *const format = delimiter.get();
-  const BytePair quick = rarestPair(format, kQuickTestLength);
+  // The delimiter buffer always holds the format's text: its pair is chosen once.
+  static const BytePair quick = rarestPair(
+      reinterpret_cast<const unsigned char *>(kNetscapeDelimiterText), kQuickTestLength);
   uint32_t pos = msgOffset;
   uint32_t end = fileSize;
   // The quick test: "From" at pos, with more than the delimiter's length of the file from
