@@ -1,6 +1,6 @@
 // mhhost config through the agent's settings page, and a Thunderbird profile indexed through
 // the Netscape agent.
-#include "tests/host/ClientStores.h"
+#include "tests/support/ClientStores.h"
 #include "tests/host/HostFixture.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // mhhost on bad input: wrong command lines, a database that is not ours, damaged or locked,
 // a store that is not there, a missing agent. A clear message, status 1 or 2, nothing lost.
-#include "tests/host/ClientStores.h"
+#include "tests/support/ClientStores.h"
 #include "tests/host/HostFixture.h"
 
 #include <gtest/gtest.h>

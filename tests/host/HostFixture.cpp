@@ -2,7 +2,7 @@
 #include "tests/host/HostFixture.h"
 
 #include "cmn/Registry.h"
-#include "tests/host/ClientStores.h"
+#include "tests/support/ClientStores.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 // mhhost end to end on a generated store of each client: index, search by field and date,
 // show, cat, and the runs after one mailbox changed.
-#include "tests/host/ClientStores.h"
+#include "tests/support/ClientStores.h"
 #include "tests/host/HostFixture.h"
 #include "tests/support/LoadedAgent.h"
 
