@@ -93,3 +93,13 @@ void setFileTime(const std::string &path, long seconds) {
   if (utimes(path.c_str(), times) != 0)
     ADD_FAILURE() << "utimes " << path << ": " << std::strerror(errno);
 }
+
+bool isMappedInThisProcess(const std::string &path) {
+  std::ifstream maps("/proc/self/maps");
+  std::string line;
+  while (std::getline(maps, line))
+    if (line.size() >= path.size() &&
+        line.compare(line.size() - path.size(), path.size(), path) == 0)
+      return true;
+  return false;
+}

@@ -26,3 +26,5 @@ bool fileExists(const std::string &path);
 void makeDirs(const std::string &path);
 // Sets the file's last-write time, in seconds since 1970.
 void setFileTime(const std::string &path, long seconds);
+// True while this process has a mapping of the file at `path`.
+bool isMappedInThisProcess(const std::string &path);
