@@ -1,5 +1,6 @@
-// Opening, sizing and mapping files: what the calls refuse, the errors they leave, and that
-// nothing they open outlives its release.
+// Opening, mapping and looking up files: what the calls refuse, the errors they leave, and
+// that nothing they open outlives its release.
+#include "platform/FileStatus.h"
 #include "platform/Files.h"
 #include "platform/FilesFaults.h"
 #include "tests/support/TestFiles.h"
@@ -10,7 +11,6 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <fstream>
 #include <string>
 #include <sys/stat.h>
 #include <thread>
@@ -47,15 +47,6 @@ int openDescriptorCount() {
   return count;
 }
 
-bool mappedInThisProcess(const std::string &path) {
-  std::ifstream maps("/proc/self/maps");
-  std::string line;
-  while (std::getline(maps, line))
-    if (line.find(path) != std::string::npos)
-      return true;
-  return false;
-}
-
 // The error that opening `path` leaves; 0 when it opened.
 DWORD openError(const std::string &path) {
   ScopedHandle file(openForReading(path));
@@ -85,18 +76,9 @@ TEST(FilesTest, AViewHoldsTheFileBytesAndOutlivesItsHandles) {
   EXPECT_EQ(std::memcmp(view, bytes.data(), bytes.size()), 0);
 
   EXPECT_TRUE(UnmapViewOfFile(view));
-  EXPECT_FALSE(mappedInThisProcess(path));
+  EXPECT_FALSE(isMappedInThisProcess(path));
   EXPECT_FALSE(UnmapViewOfFile(view));
   EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-}
-
-TEST(FilesTest, AZeroByteFileOpensButRefusesToMap) {
-  TempDir dir;
-  writeFile(dir.file("empty.mbx"), "");
-  ScopedHandle file(openForReading(dir.file("empty.mbx")));
-  ASSERT_TRUE(file.valid());
-  EXPECT_EQ(mappingOf(file.get()), nullptr);
-  EXPECT_EQ(GetLastError(), ERROR_FILE_INVALID);
 }
 
 TEST(FilesTest, OnlyAnExistingRegularFileOpens) {
@@ -114,21 +96,6 @@ TEST(FilesTest, OnlyAnExistingRegularFileOpens) {
   alarm(10);
   EXPECT_EQ(openError(dir.file("fifo")), ERROR_ACCESS_DENIED);
   alarm(0);
-}
-
-TEST(FilesTest, GetFileSizeGivesTheHighPartOfAFileOver4GiB) {
-  TempDir dir;
-  const std::string path = dir.file("big.mbx");
-  writeFile(path, "");
-  const off_t size = (off_t{5} << 30) + 7;  // 0x1'4000'0007, sparse
-  if (truncate(path.c_str(), size) != 0)
-    GTEST_SKIP() << "the file system refuses a sparse file of 5 GiB: " << std::strerror(errno);
-  ScopedHandle file(openForReading(path));
-  ASSERT_TRUE(file.valid());
-  DWORD high = 0;
-  EXPECT_EQ(GetFileSize(file.get(), &high), 0x40000007u);
-  EXPECT_EQ(high, 1u);
-  EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
 }
 
 TEST(FilesTest, AViewTheSystemRefusesReportsWhyAndLeavesNothingOpen) {
@@ -149,10 +116,41 @@ TEST(FilesTest, AViewTheSystemRefusesReportsWhyAndLeavesNothingOpen) {
     // The refusals close what they opened on the way.
     EXPECT_NE(openError(dir.path()), 0u);
     ScopedHandle empty(openForReading(dir.file("empty")));
+    ASSERT_TRUE(empty.valid()); // a file of zero bytes opens, but can't be mapped
     EXPECT_EQ(mappingOf(empty.get()), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_FILE_INVALID);
   }
   EXPECT_EQ(openDescriptorCount(), descriptorsBefore);
-  EXPECT_FALSE(mappedInThisProcess(path));
+  EXPECT_FALSE(isMappedInThisProcess(path));
+}
+
+TEST(FilesTest, StatusAndAttributesByPath) {
+  TempDir dir;
+  writeFile(dir.file("In.mbx"), "12345");
+  makeDirs(dir.file("mail"));
+  ASSERT_EQ(symlink("mail", dir.file("mail-link").c_str()), 0);
+  ASSERT_EQ(symlink("gone", dir.file("dangling").c_str()), 0);
+  EXPECT_EQ(GetFileAttributesA(dir.file("In.mbx").c_str()), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(GetFileAttributesA(dir.file("mail-link").c_str()), FILE_ATTRIBUTE_DIRECTORY);
+  EXPECT_EQ(GetFileAttributesA(dir.file("dangling").c_str()), INVALID_FILE_ATTRIBUTES);
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(GetFileAttributesA(""), INVALID_FILE_ATTRIBUTES);
+
+  // A mailbox's stamp is 32 bits: times past 2038 keep their low 32 bits, as signed.
+  CFileStatus status;
+  for (const long seconds : {0x80000000L + 10, 0x100000005L}) {
+    setFileTime(dir.file("In.mbx"), seconds);
+    struct stat stored;
+    if (stat(dir.file("In.mbx").c_str(), &stored) != 0 || stored.st_mtime != seconds)
+      GTEST_SKIP() << "the file system does not keep a time of " << seconds;
+    ASSERT_TRUE(CFile::GetStatus(dir.file("In.mbx").c_str(), status));
+    EXPECT_EQ(status.m_mtime, static_cast<int32_t>(static_cast<uint32_t>(seconds)));
+    EXPECT_EQ(status.m_size, 5u);
+  }
+  // A file that can't be stat'ed fails and leaves the status as it was.
+  const CFileStatus before = status;
+  EXPECT_FALSE(CFile::GetStatus(dir.file("missing").c_str(), status));
+  EXPECT_EQ(status.m_mtime, before.m_mtime);
 }
 
 TEST(FilesTest, LastErrorBelongsToTheThread) {
