@@ -14,20 +14,7 @@ CModule firstModule = {nullptr, &firstModule, nullptr};
 CModule secondModule = {nullptr, &secondModule, nullptr};
 
 // Runs `body` on a thread of its own and waits for it.
-template <typename Body> void onNewThread(Body body) {
-  std::thread thread(body);
-  thread.join();
-}
-
-TEST(ModuleState, AThreadStartsInADefaultStateThatNamesNothing) {
-  onNewThread([] {
-    const AFX_MODULE_STATE *state = AfxGetModuleState();
-    ASSERT_NE(state, nullptr);
-    EXPECT_EQ(state->m_hCurrentInstanceHandle, nullptr);
-    EXPECT_EQ(AfxGetResourceHandle(), nullptr);
-    EXPECT_EQ(AfxGetApp(), nullptr);
-  });
-}
+template <typename Body> void onNewThread(Body body) { std::thread(body).join(); }
 
 TEST(ModuleState, MaintainStateRestoresTheEarlierStateOnEveryScopeExit) {
   AFX_MODULE_STATE outer = {&firstModule, &firstModule, nullptr};
@@ -47,11 +34,13 @@ TEST(ModuleState, MaintainStateRestoresTheEarlierStateOnEveryScopeExit) {
   EXPECT_EQ(AfxGetModuleState(), before);
 }
 
-TEST(ModuleState, EachThreadHasItsOwnCurrentAndDefaultState) {
+TEST(ModuleState, EachThreadStartsInADefaultStateOfItsOwnThatNamesNothing) {
   AFX_MODULE_STATE mine = {&firstModule, &firstModule, nullptr};
   AFX_MAINTAIN_STATE scope(&mine);
   onNewThread([] {
     EXPECT_EQ(AfxGetModuleState()->m_hCurrentInstanceHandle, nullptr);
+    EXPECT_EQ(AfxGetResourceHandle(), nullptr);
+    EXPECT_EQ(AfxGetApp(), nullptr);
     // What this thread does to its default state stays with it.
     AfxSetResourceHandle(&secondModule);
     EXPECT_EQ(AfxGetResourceHandle(), &secondModule);
