@@ -17,28 +17,16 @@ extern char **environ;
 
 namespace {
 
+// Both ends close with the object unless closed before.
 struct Pipe {
-  int read = -1, write = -1;
-  Pipe() {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) == 0) {
-      read = ends[0];
-      write = ends[1];
-    }
-  }
-  ~Pipe() {
-    closeRead();
-    closeWrite();
-  }
-  void closeRead() {
-    if (read >= 0)
-      close(read);
-    read = -1;
-  }
-  void closeWrite() {
-    if (write >= 0)
-      close(write);
-    write = -1;
+  int ends[2] = {-1, -1};
+  int &read = ends[0], &write = ends[1];
+  Pipe() { (void)!pipe2(ends, O_CLOEXEC); }
+  ~Pipe() { close(0), close(1); }
+  void close(int end) {
+    if (ends[end] >= 0)
+      ::close(ends[end]);
+    ends[end] = -1;
   }
 };
 
@@ -111,9 +99,9 @@ HostResult runProgram(const std::string &program, const std::vector<std::string>
     execve(program.c_str(), argv.data(), envp.data());
     _exit(127);
   }
-  in.closeRead();
-  out.closeWrite();
-  err.closeWrite();
+  in.close(0);
+  out.close(1);
+  err.close(1);
   if (!input.empty()) {
     // Small inputs fit the pipe or the terminal's buffer at once; the program reads them
     // when it asks.
@@ -121,7 +109,7 @@ HostResult runProgram(const std::string &program, const std::vector<std::string>
     const ssize_t written = write(typed, input.data(), input.size());
     EXPECT_EQ(static_cast<ssize_t>(input.size()), written);
   }
-  in.closeWrite();
+  in.close(1);
 
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
   struct pollfd ends[2] = {{out.read, POLLIN, 0}, {err.read, POLLIN, 0}};
