@@ -58,7 +58,7 @@ protected:
 };
 
 TEST_P(ObjectProtocolTest, WalkFindsEveryMessageAndEveryRecordReopens) {
-  const std::vector<FoundObject> found = walkStore(agent.entries());
+  const std::vector<KeptRecord> found = walkStore(agent.entries());
   ASSERT_EQ(3u, found.size());
   const std::string work = mailFileOf(client(), mail + "/Folders/Work");
   const TestMessage *messages[] = {&kUndated, &kDated, &kWork};

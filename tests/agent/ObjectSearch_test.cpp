@@ -46,19 +46,18 @@ protected:
 
   // A walk during which Gone.mbx disappears, after the list was made and before the walk
   // reaches it.
-  std::vector<FoundObject> walkWhileGoneGoes() {
+  std::vector<KeptRecord> walkWhileGoneGoes() {
     const AgentEntryTable &e = agent.entries();
-    RecordBuffer record;
     AgentHandle search = 0;
-    int32_t time = 0;
-    EXPECT_EQ(StatusOk, e.findFirstObjectHandle(0, &search, record.get(), &time));
+    KeptRecord record;
+    EXPECT_EQ(StatusOk, findFirst(e, search, record));
     unlink((mail + "/Work/Gone.mbx").c_str());
-    std::vector<FoundObject> found;
+    std::vector<KeptRecord> found;
     do {
-      const ObjectRecord *r = record.get();
-      found.push_back({r->path, r->offset, r->length, r->checksum, time, reopenBody(e, r)});
-      record->size = static_cast<uint32_t>(record.capacity());
-    } while (e.findNextObjectHandle(search, record.get(), &time) == StatusOk);
+      EXPECT_EQ(StatusOk, reopen(e, record, &record.body));
+      found.push_back(record);
+      record.body.clear();
+    } while (findNext(e, search, record) == StatusOk);
     e.closeFindObjectHandle(search);
     return found;
   }
@@ -69,7 +68,7 @@ protected:
 };
 
 TEST_F(ObjectSearchTest, WalksEveryMailboxInOrderAndEveryRecordReopens) {
-  const std::vector<FoundObject> found = walkWhileGoneGoes();
+  const std::vector<KeptRecord> found = walkWhileGoneGoes();
   ASSERT_EQ(4u, found.size());
   // The mail directory's own mailboxes first, by their control files, then deeper levels.
   EXPECT_EQ(mail + "/In.mbx", found[0].path);

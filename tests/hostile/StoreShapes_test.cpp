@@ -148,7 +148,9 @@ TEST_F(StoreShapesTest, AFolderWhereAMailFileShouldBe) {
   writeFile(mail + "/In.toc", "");
   EXPECT_EQ(std::vector<std::string>{mail + "/Real.mbx"}, pathsOf(walk()));
   // A record that names a folder opens nothing.
-  EXPECT_EQ(StatusMailFileFailed, reopen({mail + "/In.mbx", 0, 1, 0, 0}));
+  KeptRecord folder;
+  folder.path = mail + "/In.mbx";
+  EXPECT_EQ(StatusMailFileFailed, reopen(folder));
 
   // Without a mail extension a folder is no mail file either, not even through the "." entry
   // that the walk lists inside it, which a control file named ".snm" would otherwise pair.

@@ -51,18 +51,16 @@ DWORD firstFindError(const std::string &pattern) {
 DWORD firstFindErrorWithoutPrivilege(const std::string &pattern) {
   if (geteuid() != 0)
     return firstFindError(pattern);
-  const pid_t child = fork();
-  if (child == 0) {
-    const uid_t nobody = 65534;
-    if (setgid(nobody) != 0 || setuid(nobody) != 0)
-      _exit(255);
-    const DWORD error = firstFindError(pattern);
-    _exit(error < 255 ? static_cast<int>(error) : 254);
-  }
-  int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
-    return 0xDEAD;
-  return static_cast<DWORD>(WEXITSTATUS(status));
+  const int status = runInChild(
+      [&] {
+        const uid_t nobody = 65534;
+        if (setgid(nobody) != 0 || setuid(nobody) != 0)
+          return 255;
+        const DWORD error = firstFindError(pattern);
+        return error < 255 ? static_cast<int>(error) : 254;
+      },
+      0);
+  return WIFEXITED(status) ? static_cast<DWORD>(WEXITSTATUS(status)) : 0xDEAD;
 }
 
 }  // namespace
