@@ -133,21 +133,6 @@ TEST_F(LanguageModule, EscapesCommentsAndRawBytesSurviveCompilation) {
     EXPECT_LT(table.strings[i - 1].id, table.strings[i].id);
 }
 
-TEST_F(LanguageModule, LoadStringACopiesWhatFitsAndAlwaysTerminates) {
-  const LoadedModule module = load(kTestModule);
-  ASSERT_NE(module, nullptr);
-  char buffer[64];
-  EXPECT_EQ(LoadStringA(module.get(), 25, buffer, 5), 4);
-  EXPECT_STREQ(buffer, "XX E");
-  EXPECT_EQ(LoadStringA(module.get(), 25, buffer, 1), 0);
-  EXPECT_STREQ(buffer, "");
-  EXPECT_EQ(LoadStringA(module.get(), 900, buffer, sizeof buffer), 28); // past the zero byte
-  EXPECT_EQ(LoadStringA(module.get(), 2, buffer, sizeof buffer), 6);    // from the instance
-  EXPECT_STREQ(buffer, "\nDate:");
-  EXPECT_EQ(LoadStringA(module.get(), 9999, buffer, sizeof buffer), 0);
-  EXPECT_STREQ(buffer, "");
-}
-
 TEST_F(LanguageModule, FreeLibraryReleasesOnlyWhatLoadLibraryLoaded) {
   EXPECT_FALSE(FreeLibrary(nullptr));
   EXPECT_FALSE(FreeLibrary(&agentTestModule));
@@ -157,15 +142,6 @@ TEST_F(LanguageModule, FreeLibraryReleasesOnlyWhatLoadLibraryLoaded) {
   EXPECT_TRUE(FreeLibrary(module));
   // The state no longer points at the released module.
   EXPECT_EQ(AfxGetResourceHandle(), &agentTestModule);
-}
-
-TEST(ModuleDirectory, IsTheFolderOfTheFileHoldingTheAnchor) {
-  EXPECT_EQ(directoryOf(&agentTestModule), realPath(TUK_BIN_DIR));
-  char tiny[4];
-  EXPECT_STREQ(moduleDirectory(&agentTestModule, tiny, sizeof tiny), ".");
-  int onTheStack = 0;
-  EXPECT_STREQ(moduleDirectory(&onTheStack, tiny, sizeof tiny), ".");
-  EXPECT_STREQ(moduleDirectory(nullptr, tiny, sizeof tiny), ".");
 }
 
 }  // namespace

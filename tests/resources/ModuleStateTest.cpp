@@ -50,24 +50,6 @@ TEST(ModuleState, EachThreadStartsInADefaultStateOfItsOwnThatNamesNothing) {
   onNewThread([] { EXPECT_EQ(AfxGetResourceHandle(), nullptr); });
 }
 
-TEST(ModuleState, ResourceHandleAndApplicationAreThoseOfTheCurrentState) {
-  CWinApp app("test");
-  AFX_MODULE_STATE outer = {&firstModule, &firstModule, nullptr};
-  AFX_MODULE_STATE inner = {&secondModule, &secondModule, &app};
-  AFX_MAINTAIN_STATE outerScope(&outer);
-  {
-    AFX_MAINTAIN_STATE innerScope(&inner);
-    EXPECT_EQ(AfxGetApp(), &app);
-    AfxSetResourceHandle(&firstModule);
-    EXPECT_EQ(inner.m_hCurrentResourceHandle, &firstModule);
-  }
-  EXPECT_EQ(AfxGetApp(), nullptr);
-  EXPECT_EQ(outer.m_hCurrentResourceHandle, &firstModule);
-  AfxSetResourceHandle(&secondModule);
-  EXPECT_EQ(outer.m_hCurrentResourceHandle, &secondModule);
-  EXPECT_EQ(inner.m_hCurrentResourceHandle, &firstModule);
-}
-
 // An application that replaces the help file path, as the agent's does.
 class HelpfulApp : public CWinApp {
 public:
