@@ -83,27 +83,6 @@ TEST_F(PickerTest, OnlyAnExistingDirectoryCanBeChosenAndNobodyCancels) {
   EXPECT_EQ(3u, user.count(TUK_USER_FOLDER_PICKER));
 }
 
-TEST(ShellFolderTest, TheDesktopRefusesWhatItCannotName) {
-  IShellFolder *desktop = nullptr;
-  IMalloc *allocator = nullptr;
-  ASSERT_EQ(S_OK, SHGetDesktopFolder(&desktop));
-  ASSERT_EQ(S_OK, SHGetMalloc(&allocator));
-  STRRET name{};
-  const unsigned char empty[2] = {0, 0};
-  EXPECT_NE(S_OK, desktop->GetDisplayNameOf(nullptr, SHGDN_FORPARSING, &name));
-  EXPECT_NE(S_OK, desktop->GetDisplayNameOf(reinterpret_cast<LPCITEMIDLIST>(empty),
-                                            SHGDN_FORPARSING, &name));
-  const unsigned char unterminated[6] = {4, 0, 'a', 'b', 0, 0};
-  EXPECT_NE(S_OK, desktop->GetDisplayNameOf(reinterpret_cast<LPCITEMIDLIST>(unterminated),
-                                            SHGDN_FORPARSING, &name));
-  EXPECT_NE(S_OK, SHGetDesktopFolder(nullptr));
-  void *block = allocator->Alloc(16);
-  EXPECT_NE(nullptr, block);
-  allocator->Free(block);
-  desktop->Release();
-  allocator->Release();
-}
-
 TEST(IconTest, ARegularFileHasOneStableIndexInBothListsAndOthersHaveNone) {
   TempDir dir;
   writeFile(dir.file("eudora.exe"), "MZ");

@@ -146,22 +146,4 @@ TEST_F(WindowsTest, WindowsAndObjectsLetGoOfEachOther) {
   EXPECT_TRUE(childWindows(frame).empty());
 }
 
-TEST_F(WindowsTest, ClientCoordinatesAndMovesFollowTheFrameAroundTheClientArea) {
-  std::unique_ptr<RecordingDialog> page = openPage();
-  RECT rect;
-  page->edit.GetWindowRect(&rect);
-  page->ScreenToClient(&rect);
-  EXPECT_EQ(15, rect.left);
-  EXPECT_EQ(33, rect.top);
-  page->edit.MoveWindow(rect.left, rect.top, -5, 20); // negative sizes count as 0
-  page->edit.GetWindowRect(&rect);
-  EXPECT_EQ(rect.left, rect.right);
-  EXPECT_EQ(20, rect.bottom - rect.top);
-
-  // Placing the page elsewhere moves its controls on the screen with it.
-  EXPECT_EQ(0, tukWindowPlace(handle(*page), 0, 0, 300, 163));
-  EXPECT_TRUE(sameRect(windowInfo(handle(page->edit)).rect, 4 + 15, 22 + 33, 4 + 15, 22 + 53));
-  EXPECT_EQ(-1, tukWindowPlace(0, 0, 0, 1, 1));
-}
-
 } // namespace
