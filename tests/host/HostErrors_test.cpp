@@ -28,27 +28,15 @@ protected:
 
 TEST_F(HostErrorsTest, UsageErrorsExitWithTwo) {
   const std::vector<std::vector<std::string>> wrong = {
-      {},
-      {"frobnicate"},
-      {"index", "--frob"},
-      {"index", "--json"},
-      {"--client", "mutt", "index"},
+      {}, {"frobnicate"}, {"index", "--frob"}, {"index", "--json"}, {"--client", "mutt", "index"},
       {"--key", "Software\\Tuk\\Agents\\MHMutt", "index"},
-      {"--client", "eudora", "--key", "Software\\X\\MHEudora", "index"},
-      {"list"},
+      {"--client", "eudora", "--key", "Software\\X\\MHEudora", "index"}, {"list"},
       {"config", "--client", "eudora"},
       {"config", "--client", "netscape", "--mail-dir", "/tmp", "--attachments", "on"},
       {"config", "--client", "eudora", "--mail-dir", "/tmp", "--attachments", "maybe"},
-      {"search"},
-      {"search", "a", "b"},
-      {"search", "x", "--limit", "0"},
-      {"search", "x", "--since", "yesterday"},
-      {"search", "x", "--until", "1998-13-01"},
-      {"search", "x", "--db"},
-      {"show", "first"},
-      {"cat"},
-      {"index", "--stats=yes"},
-  };
+      {"search"}, {"search", "a", "b"}, {"search", "x", "--limit", "0"},
+      {"search", "x", "--since", "yesterday"}, {"search", "x", "--until", "1998-13-01"},
+      {"search", "x", "--db"}, {"show", "first"}, {"cat"}, {"index", "--stats=yes"}};
   for (const std::vector<std::string> &arguments : wrong) {
     const HostResult run = host(arguments);
     std::string line;
