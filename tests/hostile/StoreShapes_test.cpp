@@ -200,11 +200,15 @@ TEST_F(StoreShapesTest, AFolderThatCannotBeReadEndsTheScanAndAMailboxIsPassedOve
   failNextFileOperations(FileOperation::OpenDirectory, EACCES);
   EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
 
-  // A mailbox that cannot be opened is passed over without a word: the first one here.
+  // A mailbox that cannot be opened is passed over without a word: the first one, then one
+  // that the walk comes to later.
   failNextFileOperations(FileOperation::OpenFile, EACCES);
-  const StoreWalk found = walk();
-  clearFileOperationFailures();
+  StoreWalk found = walk();
   EXPECT_EQ((std::vector<std::string>{mail + "/B.mbx", mail + "/Locked/C.mbx"}), pathsOf(found));
+  failFileOperationsAfter(FileOperation::OpenFile, 1, EACCES);
+  found = walk();
+  clearFileOperationFailures();
+  EXPECT_EQ((std::vector<std::string>{mail + "/A.mbx", mail + "/Locked/C.mbx"}), pathsOf(found));
 }
 
 } // namespace
