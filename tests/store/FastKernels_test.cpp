@@ -189,8 +189,10 @@ TEST(HeaderLength, AgreesWithTheByteByByteScan) {
     for (int round = 0; round < 20000; ++round) {
       const Bytes bytes =
           randomBytes(random, random() % 60, round % 3 ? "\r\na" : "abcdefghijklmnopqrstuv\r\n");
-      ASSERT_EQ(referenceHeaderLength(bytes),
-                probe.getHeaderLength(bytes.data(), static_cast<uint32_t>(bytes.size())));
+      // The range may end before the bytes do: what lies behind it must not count.
+      const auto length = static_cast<uint32_t>(random() % (bytes.size() + 1));
+      ASSERT_EQ(referenceHeaderLength(Bytes(bytes.begin(), bytes.begin() + length)),
+                probe.getHeaderLength(bytes.data(), length));
     }
   }
 }
