@@ -77,7 +77,7 @@ TEST(DirListTest, KindsComeFromTheEntryAndALinkIsNeverADirectory) {
   EXPECT_EQ(listing(dir.path() + "/*.*"), expected);
 }
 
-// A read that fails part way fails the listing instead of ending it: a walk must never give a
+// A read that fails midway fails the listing instead of ending it: a walk must never give a
 // store with folders left out. (Folders that can't be opened: hostile/StoreShapes.)
 TEST(DirListTest, AReadThatFailsFailsTheListing) {
   TempDir dir;
