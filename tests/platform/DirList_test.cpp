@@ -60,7 +60,7 @@ TEST(DirListTest, DotsComeFirstThenNamesInByteOrderOfTheirUpperCase) {
   EXPECT_EQ(namesOf(listing(dir.path() + "/*.*")), expected);
 }
 
-TEST(DirListTest, KindsComeFromTheEntryAndALinkIsNeverADirectory) {
+TEST(DirListTest, KindsComeFromTheEntryAndALinkIsNeverADirectoryThere) {
   TempDir dir;
   writeFile(dir.file("In.mbx"), "");
   makeDirs(dir.file("Folder"));
@@ -75,6 +75,12 @@ TEST(DirListTest, KindsComeFromTheEntryAndALinkIsNeverADirectory) {
                             {"link-to-nothing", FILE_ATTRIBUTE_NORMAL},
                             {"pipe", FILE_ATTRIBUTE_NORMAL}};
   EXPECT_EQ(listing(dir.path() + "/*.*"), expected);
+  // By path, a link is what it leads to; only the listing, which the walk uses, never follows.
+  EXPECT_EQ(GetFileAttributesA(dir.file("link-to-folder").c_str()), FILE_ATTRIBUTE_DIRECTORY);
+  EXPECT_EQ(GetFileAttributesA(dir.file("In.mbx").c_str()), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(GetFileAttributesA(dir.file("link-to-nothing").c_str()), INVALID_FILE_ATTRIBUTES);
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(GetFileAttributesA(""), INVALID_FILE_ATTRIBUTES);
 }
 
 // A read that fails midway fails the listing instead of ending it: a walk must never give a
