@@ -1,8 +1,12 @@
-// A host's road to one message: a record it built, keepObject, openObject, the body stream,
-// the properties, closeObject; for every client, through the loaded library.
+// A host's road to the messages of each client's store: the walk, a record it kept,
+// keepObject, openObject, the body stream, the properties, closeObject; through the loaded
+// library.
+#include "cmn/Registry.h"
 #include "store/MailMsg.h"
-#include "tests/support/LoadedAgent.h"
 #include "tests/support/AgentSession.h"
+#include "tests/support/ClientStores.h"
+#include "tests/support/HostWalk.h"
+#include "tests/support/LoadedAgent.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -12,69 +16,79 @@
 
 namespace {
 
-struct ClientStore {
-  const char *key;
-  std::string prefix;  // bytes ahead of the message in the mailbox
-  std::string suffix;  // bytes behind it
-};
-
-const std::string kMessage = "x\r\nSubject: Hello\r\nFrom: ann@example.org\r\n\r\nThe body.\r\n";
-
-void PrintTo(const ClientStore &store, std::ostream *out) { *out << store.key; }
-
-std::vector<ClientStore> clientStores() {
-  return {
-      {"Software\\Tuk\\Agents\\MHEudora", "From ???@??? Mon\r\n", "From ???@??? next"},
-      {"Software\\Tuk\\Agents\\MHInternet", std::string("\0\x7F\0\x7F", 4),
-       std::string("\0\x7F\0\x7Fnext", 8)},
-      {"Software\\Tuk\\Agents\\MHNetscape", "From a b c 1 01:02:03 1998\n",
-       "From a b c 1 01:02:03 1998\nnext"},
-      {"Software\\Tuk\\Agents\\MHPegasus", std::string(128, 'h'), "\n\n\x1anext"},
-  };
-}
+const TestMessage kUndated = {"", "ann@example.org", "bob@example.org", "", "Hello",
+                              "The body.\nFrom here to there and back\n"};
+const TestMessage kDated = {"7 May 1997 11:02:33 GMT", "cy@example.org", "ann@example.org", "",
+                            "Second", std::string("Zero \0 byte\n\n>From quoted\n", 26)};
+const TestMessage kWork = {"Wed, 7 May 1997 11:02:33 +0000", "dan@example.org", "ann@example.org",
+                           "", "Work", "Work mail\n"};
+constexpr int32_t kNoDateTime = 34214400; // 1 February 1971, 00:00:00 UTC
+constexpr int32_t kDatedTime = 863002953; // 7 May 1997 11:02:33 UTC
 
 int32_t stampOf(const std::string &path) {
   struct stat status;
   return ::stat(path.c_str(), &status) == 0 ? static_cast<int32_t>(status.st_mtime) : 0;
 }
 
-class ObjectProtocolTest : public ::testing::TestWithParam<ClientStore> {
+class ObjectProtocolTest : public ::testing::TestWithParam<std::string> {
 protected:
   void SetUp() override {
+    setenv("TUK_REGISTRY", dir.file("registry.reg").c_str(), 1);
     setenv("TZ", "UTC", 1);
-    mailbox = dir.file("box");
-    writeFile(mailbox, GetParam().prefix + kMessage + GetParam().suffix);
-    agent.init(GetParam().key);
+    inbox = mailFileOf(client(), mail + "/In");
+    ranges = writeMailbox(client(), mail + "/In", {kUndated, kDated});
+    writeMailbox(client(), mail + "/Folders/Work", {kWork});
+    writeFile(mail + "/Unpaired", "no control file");
+    ASSERT_NE(0, SetRegValue(agentKeyOf(client()).c_str(), "MailPath", CString(mail.c_str())));
+    agent.init(agentKeyOf(client()));
   }
   void TearDown() override { agent.entries().terminateAgent(); }
 
+  const std::string &client() const { return GetParam(); }
   RecordBuffer recordFor(uint32_t offset, uint32_t length) {
-    const std::string bytes = readFile(mailbox).substr(offset, length);
-    return RecordBuffer(mailbox, offset, length, referenceChecksum(bytes), stampOf(mailbox));
+    const std::string bytes = readFile(inbox).substr(offset, length);
+    return RecordBuffer(inbox, offset, length, referenceChecksum(bytes), stampOf(inbox));
   }
-  uint32_t messageOffset() const { return static_cast<uint32_t>(GetParam().prefix.size()); }
 
   TempDir dir;
-  std::string mailbox;
+  const std::string mail = dir.file("mail");
+  std::string inbox;
+  std::vector<MessageRange> ranges;
   LoadedAgent agent;
 };
 
+TEST_P(ObjectProtocolTest, WalkFindsEveryMessageAndEveryRecordReopens) {
+  const std::vector<KeptRecord> found = walkStore(agent.entries());
+  ASSERT_EQ(3u, found.size());
+  const std::string work = mailFileOf(client(), mail + "/Folders/Work");
+  const TestMessage *messages[] = {&kUndated, &kDated, &kWork};
+  const std::string paths[] = {inbox, inbox, work};
+  const int32_t times[] = {kNoDateTime, kDatedTime, kDatedTime};
+  for (size_t i = 0; i < found.size(); ++i) {
+    EXPECT_EQ(paths[i], found[i].path) << i;
+    EXPECT_EQ(bodyOf(client(), *messages[i]), found[i].body) << i;
+    EXPECT_EQ(times[i], found[i].time) << i;
+  }
+  EXPECT_EQ(ranges[1].offset, found[1].offset);
+  EXPECT_EQ(ranges[1].length, found[1].length);
+}
+
 TEST_P(ObjectProtocolTest, OpensReadsAndClosesTheMessageARecordNames) {
   const AgentEntryTable &e = agent.entries();
-  RecordBuffer record = recordFor(messageOffset(), static_cast<uint32_t>(kMessage.size()));
+  RecordBuffer record = recordFor(ranges[0].offset, ranges[0].length);
   EXPECT_EQ(1, e.keepObject(record.get(), 0));
 
   AgentHandle object = 0;
   int32_t time = 0;
   ASSERT_EQ(StatusOk, e.openObject(&object, record.get(), &time));
-  EXPECT_EQ(34214400, time);  // no Date: 1 February 1971, 00:00:00 UTC
+  EXPECT_EQ(kNoDateTime, time);
 
   std::string body;
   char buffer[7];
   uint32_t got = 0;
   while (e.readObject(object, buffer, sizeof buffer, &got) == StatusOk)
     body.append(buffer, got);
-  EXPECT_EQ("The body.\r\n", body);
+  EXPECT_EQ(bodyOf(client(), kUndated), body);
   EXPECT_EQ(0u, got);
 
   uint32_t position = 0;
@@ -94,8 +108,8 @@ TEST_P(ObjectProtocolTest, OpensReadsAndClosesTheMessageARecordNames) {
 
 TEST_P(ObjectProtocolTest, ARecordThatNoLongerFitsGivesOpenFailed) {
   const AgentEntryTable &e = agent.entries();
-  const uint32_t size = static_cast<uint32_t>(readFile(mailbox).size());
-  const uint32_t offset = messageOffset();
+  const uint32_t size = static_cast<uint32_t>(readFile(inbox).size());
+  const uint32_t offset = ranges[0].offset;
   AgentHandle object = 0;
   int32_t time = 0;
 
@@ -103,12 +117,12 @@ TEST_P(ObjectProtocolTest, ARecordThatNoLongerFitsGivesOpenFailed) {
   RecordBuffer toEnd = recordFor(offset, size - offset);
   ASSERT_EQ(StatusOk, e.openObject(&object, toEnd.get(), &time));
   EXPECT_EQ(StatusOk, e.closeObject(object));
-  RecordBuffer pastEnd(mailbox, offset, size - offset + 1, toEnd->checksum);
+  RecordBuffer pastEnd(inbox, offset, size - offset + 1, toEnd->checksum);
   EXPECT_EQ(StatusOpenFailed, e.openObject(&object, pastEnd.get(), &time));
   EXPECT_EQ(AGENT_INVALID_HANDLE, object);
 
   // Offset plus length beyond 4 GiB must not wrap round into the file.
-  RecordBuffer wrapped(mailbox, 0xFFFFFFF0u, 0x20, 0);
+  RecordBuffer wrapped(inbox, 0xFFFFFFF0u, 0x20, 0);
   EXPECT_EQ(StatusOpenFailed, e.openObject(&object, wrapped.get(), &time));
 
   // A changed checksum fails; a changed stamp alone does not.
@@ -137,11 +151,8 @@ TEST_P(ObjectProtocolTest, AMailboxThatCannotBeOpenedGivesMailFileFailed) {
   EXPECT_EQ(0, e.keepObject(missing.get(), 0));
 }
 
-INSTANTIATE_TEST_SUITE_P(Clients, ObjectProtocolTest, ::testing::ValuesIn(clientStores()),
-                         [](const auto &info) {
-                           const std::string key = info.param.key;
-                           return key.substr(key.rfind("MH") + 2);
-                         });
+INSTANTIATE_TEST_SUITE_P(Clients, ObjectProtocolTest, ::testing::ValuesIn(kClientNames),
+                         [](const auto &info) { return info.param; });
 
 TEST(KeepObject, GoesByTheMailboxStamp) {
   TempDir dir;

@@ -1,6 +1,6 @@
 // mhhost config through the agent's settings page, and a Thunderbird profile indexed through
 // the Netscape agent.
-#include "tests/host/ClientStores.h"
+#include "tests/support/ClientStores.h"
 #include "tests/host/HostFixture.h"
 
 #include <gtest/gtest.h>
@@ -60,9 +60,9 @@ TEST_F(HostConfigTest, TheCheckStepsWarningIsPrintedAndAnsweredCancel) {
 TEST_F(HostConfigTest, RetryAtTheTerminalAsksForOtherValues) {
   makeDirs(dir.file("mail"));
   writeFile(dir.file("program/winpm-32.exe"), "");
-  const HostResult run = hostAtTerminal({"--client", "pegasus", "config", "--mail-dir",
-                                         dir.file("typo"), "--exe-dir", dir.file("program")},
-                                        "r\n" + dir.file("mail") + "\n\n");
+  const HostResult run = host({"--client", "pegasus", "config", "--mail-dir", dir.file("typo"),
+                               "--exe-dir", dir.file("program")},
+                              "r\n" + dir.file("mail") + "\n\n", Input::Terminal);
   ASSERT_EQ(0, run.status) << run.err;
   EXPECT_EQ(1u, linesWith(run.out, "The Pegasus mail directory specified does not exist.").size())
       << run.out;
@@ -84,15 +84,11 @@ TEST_F(HostConfigTest, ExtensionsGoStraightIntoTheRegistry) {
 // .sbd folders; the mail directory has a blank in its name.
 TEST_F(HostConfigTest, IndexesAThunderbirdProfileThroughTheNetscapeAgent) {
   const std::string local = dir.file("profile/Mail/Local Folders");
-  const TestMessage welcome = {
-      "Sat, 23 Nov 2024 12:00:00 +0000", "Ann <ann@example.org>",  "me@example.org", "",
-      "Welcome to the new account",      "Hello from the inbox.\n"};
-  const TestMessage trip = {"Sun, 24 Nov 2024 08:00:00 +0000",
-                            "Bob <bob@example.org>",
-                            "me@example.org",
-                            "",
-                            "Trip photos",
-                            "Photos of the trip.\n"};
+  const TestMessage welcome = {"Sat, 23 Nov 2024 12:00:00 +0000", "Ann <ann@example.org>",
+                               "me@example.org", "", "Welcome to the new account",
+                               "Hello from the inbox.\n"};
+  const TestMessage trip = {"Sun, 24 Nov 2024 08:00:00 +0000", "Bob <bob@example.org>",
+                            "me@example.org", "", "Trip photos", "Photos of the trip.\n"};
   const std::vector<std::pair<std::string, std::vector<TestMessage>>> folders = {
       {"Inbox", {welcome}}, {"Archives.sbd/2024", {trip}}, {"Trash", {}}, {"Archives", {}}};
   for (const auto &folder : folders) {

@@ -1,22 +1,19 @@
 // mhhost on bad input: wrong command lines, a database that is not ours, damaged or locked,
 // a store that is not there, a missing agent. A clear message, status 1 or 2, nothing lost.
-#include "tests/host/ClientStores.h"
+#include "tests/support/ClientStores.h"
 #include "tests/host/HostFixture.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-const TestMessage kNote = {"Thu, 15 Jan 1998 10:30:45 +0000",
-                           "Ann Lee <ann@example.org>",
-                           "team@example.org",
-                           "",
-                           "Status note",
-                           "All is well.\n"};
+const TestMessage kNote = {"Thu, 15 Jan 1998 10:30:45 +0000", "Ann Lee <ann@example.org>",
+                           "team@example.org", "", "Status note", "All is well.\n"};
 
 class HostErrorsTest : public HostFixture, public ::testing::Test {
 protected:
@@ -27,52 +24,19 @@ protected:
     const HostResult run = host({"--client", "eudora", "index"});
     ASSERT_EQ(0, run.status) << run.err;
   }
-  // A 4-byte big-endian field of the database header.
-  void setHeaderWord(size_t offset, uint32_t value) {
-    std::string bytes = readFile(database);
-    ASSERT_GT(bytes.size(), offset + 4);
-    for (int i = 0; i < 4; ++i)
-      bytes[offset + i] = static_cast<char>(value >> (24 - 8 * i));
-    writeFile(database, bytes);
-  }
-  // The database is refused, left byte for byte as it was, and the message says why.
-  void expectRefused(const std::string &why) {
-    const std::string before = readFile(database);
-    for (const std::vector<std::string> &command :
-         {std::vector<std::string>{"--client", "eudora", "index"},
-          std::vector<std::string>{"search", "status"}, std::vector<std::string>{"show", "1"}}) {
-      const HostResult run = host(command);
-      EXPECT_EQ(1, run.status) << command[0] << ": " << run.err;
-      EXPECT_NE(std::string::npos, run.err.find(why)) << run.err;
-      EXPECT_EQ("", run.out);
-    }
-    EXPECT_EQ(before, readFile(database));
-  }
 };
 
 TEST_F(HostErrorsTest, UsageErrorsExitWithTwo) {
   const std::vector<std::vector<std::string>> wrong = {
-      {},
-      {"frobnicate"},
-      {"index", "--frob"},
-      {"index", "--json"},
-      {"--client", "mutt", "index"},
+      {}, {"frobnicate"}, {"index", "--frob"}, {"index", "--json"}, {"--client", "mutt", "index"},
       {"--key", "Software\\Tuk\\Agents\\MHMutt", "index"},
-      {"--client", "eudora", "--key", "Software\\X\\MHEudora", "index"},
-      {"list"},
+      {"--client", "eudora", "--key", "Software\\X\\MHEudora", "index"}, {"list"},
       {"config", "--client", "eudora"},
       {"config", "--client", "netscape", "--mail-dir", "/tmp", "--attachments", "on"},
       {"config", "--client", "eudora", "--mail-dir", "/tmp", "--attachments", "maybe"},
-      {"search"},
-      {"search", "a", "b"},
-      {"search", "x", "--limit", "0"},
-      {"search", "x", "--since", "yesterday"},
-      {"search", "x", "--until", "1998-13-01"},
-      {"search", "x", "--db"},
-      {"show", "first"},
-      {"cat"},
-      {"index", "--stats=yes"},
-  };
+      {"search"}, {"search", "a", "b"}, {"search", "x", "--limit", "0"},
+      {"search", "x", "--since", "yesterday"}, {"search", "x", "--until", "1998-13-01"},
+      {"search", "x", "--db"}, {"show", "first"}, {"cat"}, {"index", "--stats=yes"}};
   for (const std::vector<std::string> &arguments : wrong) {
     const HostResult run = host(arguments);
     std::string line;
@@ -106,32 +70,44 @@ TEST_F(HostErrorsTest, AQueryFts5CantReadIsAUsageError) {
   EXPECT_EQ(1u, searchJson("from:\"ann@example.org\"").size());
 }
 
-TEST_F(HostErrorsTest, ADatabaseOfAnotherProgramIsLeftAlone) {
+// A file that is not our index, for any reason, is refused by every command and left byte for
+// byte as it was, with a message that says why.
+TEST_F(HostErrorsTest, AnyDatabaseButOurIntactIndexIsLeftAlone) {
+  const auto setApplicationId = [](std::string &bytes, uint32_t value) {
+    for (int i = 0; i < 4; ++i) // big-endian, at 68 in the header
+      bytes[68 + i] = static_cast<char>(value >> (24 - 8 * i));
+  };
+  const struct {
+    const char *why;
+    std::function<void(std::string &)> damage;
+  } cases[] = {
+      {"another program", [&](std::string &b) { setApplicationId(b, 0x12345678); }},
+      {"another program", [&](std::string &b) { setApplicationId(b, 0); }},
+      {"not an SQLite database",
+       [](std::string &b) { b = "These are my notes.\n" + std::string(600, 'x'); }},
+      {"damaged", // every page but the first, the header and the schema
+       [](std::string &b) {
+         for (size_t i = 4096; i < b.size(); ++i)
+           b[i] = static_cast<char>(0xA5 ^ i);
+       }},
+  };
   indexOneMessage();
-  setHeaderWord(68, 0x12345678); // the application id
-  expectRefused("another program");
-}
-
-TEST_F(HostErrorsTest, AnSqliteDatabaseWithoutOurMarkIsLeftAlone) {
-  indexOneMessage();
-  setHeaderWord(68, 0);
-  expectRefused("another program");
-}
-
-TEST_F(HostErrorsTest, AFileThatIsNoDatabaseIsLeftAlone) {
-  writeFile(database, "These are my notes, not a database.\n" + std::string(600, 'x'));
-  expectRefused("not an SQLite database");
-}
-
-TEST_F(HostErrorsTest, ADamagedIndexIsLeftAlone) {
-  indexOneMessage();
-  std::string bytes = readFile(database);
-  ASSERT_GT(bytes.size(), 8192u);
-  // Every page but the first (the header and the schema) is overwritten.
-  for (size_t i = 4096; i < bytes.size(); ++i)
-    bytes[i] = static_cast<char>(0xA5 ^ i);
-  writeFile(database, bytes);
-  expectRefused("damaged");
+  const std::string intact = readFile(database);
+  ASSERT_GT(intact.size(), 8192u);
+  for (const auto &c : cases) {
+    std::string bytes = intact;
+    c.damage(bytes);
+    writeFile(database, bytes);
+    for (const std::vector<std::string> &command :
+         {std::vector<std::string>{"--client", "eudora", "index"},
+          std::vector<std::string>{"search", "status"}, std::vector<std::string>{"show", "1"}}) {
+      const HostResult run = host(command);
+      EXPECT_EQ(1, run.status) << command[0] << ": " << run.err;
+      EXPECT_NE(std::string::npos, run.err.find(c.why)) << run.err;
+      EXPECT_EQ("", run.out);
+    }
+    EXPECT_EQ(bytes, readFile(database)) << c.why;
+  }
 }
 
 TEST_F(HostErrorsTest, ALockedIndexIsReportedAndLeftAlone) {

@@ -2,13 +2,9 @@
 #include "tests/host/HostFixture.h"
 
 #include "cmn/Registry.h"
-#include "tests/host/ClientStores.h"
+#include "tests/support/ClientStores.h"
 
 #include <cstdlib>
-
-std::string mhhostPath() {
-  return TUK_MHHOST;
-}
 
 std::string lastLine(const std::string &text) {
   const std::vector<std::string> lines = linesOf(text);
@@ -18,23 +14,11 @@ std::string lastLine(const std::string &text) {
 HostFixture::HostFixture()
     : registry(dir.file("registry.reg")), database(dir.file("index/mhhost.db")) {}
 
-HostResult HostFixture::host(const std::vector<std::string> &arguments, const std::string &input) {
+HostResult HostFixture::host(const std::vector<std::string> &arguments, const std::string &input,
+                             Input kind) {
   std::vector<std::string> all = {"--registry", registry, "--db", database};
   all.insert(all.end(), arguments.begin(), arguments.end());
-  return runProgram(mhhostPath(), all, {}, input);
-}
-
-HostResult HostFixture::hostAtTerminal(const std::vector<std::string> &arguments,
-                                       const std::string &typed) {
-  std::vector<std::string> all = {"--registry", registry, "--db", database};
-  all.insert(all.end(), arguments.begin(), arguments.end());
-  return runProgram(mhhostPath(), all, {}, typed, Input::Terminal);
-}
-
-HostResult
-HostFixture::hostAlone(const std::vector<std::string> &arguments,
-                       const std::vector<std::pair<std::string, std::string>> &environment) {
-  return runProgram(mhhostPath(), arguments, environment);
+  return runProgram(TUK_MHHOST, all, {}, input, kind);
 }
 
 void HostFixture::setRegistryValue(const std::string &client, const std::string &name,

@@ -15,13 +15,14 @@ class HostFixture {
 public:
   HostFixture();
 
-  // mhhost --registry R --db D ARGUMENTS...
-  HostResult host(const std::vector<std::string> &arguments, const std::string &input = "");
-  // The same with a person typing `typed` at a terminal.
-  HostResult hostAtTerminal(const std::vector<std::string> &arguments, const std::string &typed);
+  // mhhost --registry R --db D ARGUMENTS..., with `input` piped or typed at a terminal.
+  HostResult host(const std::vector<std::string> &arguments, const std::string &input = "",
+                  Input kind = Input::Pipe);
   // mhhost ARGUMENTS... with nothing added.
   HostResult hostAlone(const std::vector<std::string> &arguments,
-                       const std::vector<std::pair<std::string, std::string>> &environment = {});
+                       const std::vector<std::pair<std::string, std::string>> &environment = {}) {
+    return runProgram(TUK_MHHOST, arguments, environment);
+  }
 
   // Writes a string value under the agent key of `client` into the test's registry file.
   void setRegistryValue(const std::string &client, const std::string &name,
@@ -37,7 +38,5 @@ public:
   const std::string database;
 };
 
-// The path of the built mhhost.
-std::string mhhostPath();
 // The last line of a text.
 std::string lastLine(const std::string &text);

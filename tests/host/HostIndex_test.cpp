@@ -1,6 +1,6 @@
 // mhhost end to end on a generated store of each client: index, search by field and date,
 // show, cat, and the runs after one mailbox changed.
-#include "tests/host/ClientStores.h"
+#include "tests/support/ClientStores.h"
 #include "tests/host/HostFixture.h"
 #include "tests/support/LoadedAgent.h"
 
@@ -22,39 +22,24 @@ int64_t utc(int year, int month, int day, int hour, int minute, int second) {
   return static_cast<int64_t>(timegm(&fields));
 }
 
-const TestMessage kQuarterly = {"Thu, 15 Jan 1998 10:30:45 +0000",
-                                "Ann Lee <ann@example.org>",
-                                "team@example.org",
-                                "bob@example.org",
-                                "Quarterly report draft",
-                                "The draft of the quarterly report is ready.\n"
-                                "From what I hear the numbers are good.\n"};
-const TestMessage kCorrections = {"Fri, 16 Jan 1998 08:15:02 +0000",
-                                  "Bob Stone <bob@example.org>",
-                                  "ann@example.org",
-                                  "",
-                                  "Corrections",
+const TestMessage kQuarterly = {
+    "Thu, 15 Jan 1998 10:30:45 +0000", "Ann Lee <ann@example.org>", "team@example.org",
+    "bob@example.org", "Quarterly report draft",
+    "The draft of the quarterly report is ready.\nFrom what I hear the numbers are good.\n"};
+const TestMessage kCorrections = {"Fri, 16 Jan 1998 08:15:02 +0000", "Bob Stone <bob@example.org>",
+                                  "ann@example.org", "", "Corrections",
                                   "Two corrections on page three.\n"};
-const TestMessage kLunch = {"Wed, 7 May 1997 11:02:33 +0000",
-                            "Carol Diaz <carol@example.net>",
-                            "ann@example.org",
-                            "dave@example.com",
-                            "Lunch on Friday",
+const TestMessage kLunch = {"Wed, 7 May 1997 11:02:33 +0000", "Carol Diaz <carol@example.net>",
+                            "ann@example.org", "dave@example.com", "Lunch on Friday",
                             "Are you free for lunch?\n"};
-const TestMessage kAppended = {"Sat, 17 Jan 1998 09:00:00 +0000",
-                               "Fay Wu <fay@example.org>",
-                               "ann@example.org",
-                               "",
-                               "Appended later",
+const TestMessage kAppended = {"Sat, 17 Jan 1998 09:00:00 +0000", "Fay Wu <fay@example.org>",
+                               "ann@example.org", "", "Appended later",
                                "A message that came after the first run.\n"};
-const TestMessage kGarden = {"Mon, 2 Feb 1998 09:00:00 +0000",
-                             "Erik Berg <erik@example.se>",
-                             "garden@example.org",
-                             "",
-                             "Garden meeting",
+const TestMessage kGarden = {"Mon, 2 Feb 1998 09:00:00 +0000", "Erik Berg <erik@example.se>",
+                             "garden@example.org", "", "Garden meeting",
                              "Meeting about tomatoes and compost.\n"};
-const TestMessage kUndated = {"", "Dan <dan@example.com>", "ann@example.org",
-                              "", "Undated note",          "No date here.\n"};
+const TestMessage kUndated = {"", "Dan <dan@example.com>", "ann@example.org", "", "Undated note",
+                              "No date here.\n"};
 
 class HostStoreTest : public HostFixture, public ::testing::TestWithParam<std::string> {
 protected:
@@ -180,7 +165,7 @@ TEST_P(HostStoreTest, ShowsTheViewEmailWindowAndCatsTheBody) {
             shown.out);
   EXPECT_EQ(std::string::npos, shown.err.find("Enter")) << "nobody to ask without a terminal";
   // At a terminal the window stays until Enter.
-  const HostResult typed = hostAtTerminal({"show", id}, "\n");
+  const HostResult typed = host({"show", id}, "\n", Input::Terminal);
   EXPECT_EQ(0, typed.status) << typed.err;
   EXPECT_EQ(shown.out, typed.out);
   EXPECT_NE(std::string::npos, typed.err.find("Enter closes the window")) << typed.err;

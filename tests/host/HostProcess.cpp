@@ -1,14 +1,14 @@
-// fork, exec and wait, with both outputs read through poll so that neither pipe fills up.
+// fork, exec and wait, with the outputs gathered in files.
 #include "tests/host/HostProcess.h"
+
+#include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
-#include <poll.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,31 +16,6 @@
 extern char **environ;
 
 namespace {
-
-struct Pipe {
-  int read = -1, write = -1;
-  Pipe() {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) == 0) {
-      read = ends[0];
-      write = ends[1];
-    }
-  }
-  ~Pipe() {
-    closeRead();
-    closeWrite();
-  }
-  void closeRead() {
-    if (read >= 0)
-      close(read);
-    read = -1;
-  }
-  void closeWrite() {
-    if (write >= 0)
-      close(write);
-    write = -1;
-  }
-};
 
 std::vector<std::string>
 childEnvironment(const std::vector<std::pair<std::string, std::string>> &added) {
@@ -73,84 +48,53 @@ HostResult runProgram(const std::string &program, const std::vector<std::string>
   std::vector<std::string> words = {program};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char *> argv;
-  argv.reserve(words.size() + 1);
   for (std::string &word : words)
     argv.push_back(&word[0]);
   argv.push_back(nullptr);
   std::vector<std::string> variables = childEnvironment(environment);
   std::vector<char *> envp;
-  envp.reserve(variables.size() + 1);
   for (std::string &variable : variables)
     envp.push_back(&variable[0]);
   envp.push_back(nullptr);
 
-  Pipe in, out, err;
-  // A terminal: the pseudo-terminal's other side, where the test types.
+  // Standard input from a file, or a pseudo-terminal where the test types; both outputs into
+  // files, read once the program has ended.
+  TempDir files;
+  writeFile(files.file("in"), input);
   int terminal = -1;
-  std::string terminalName;
+  std::string inputName = files.file("in");
   if (inputKind == Input::Terminal) {
     terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
       ADD_FAILURE() << "no pseudo-terminal: " << std::strerror(errno);
       return result;
     }
-    terminalName = ptsname(terminal);
+    inputName = ptsname(terminal);
   }
+  std::fflush(nullptr);
   const pid_t child = fork();
-  if (child < 0) {
-    ADD_FAILURE() << "fork: " << std::strerror(errno);
-    return result;
-  }
   if (child == 0) {
-    const int inputFd = !terminalName.empty() ? open(terminalName.c_str(), O_RDWR)
-                        : input.empty()       ? open("/dev/null", O_RDONLY)
-                                              : in.read;
-    dup2(inputFd, STDIN_FILENO);
-    dup2(out.write, STDOUT_FILENO);
-    dup2(err.write, STDERR_FILENO);
+    dup2(open(inputName.c_str(), O_RDWR | O_CLOEXEC), STDIN_FILENO);
+    const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
+    dup2(open(files.file("out").c_str(), flags, 0600), STDOUT_FILENO);
+    dup2(open(files.file("err").c_str(), flags, 0600), STDERR_FILENO);
+    alarm(120); // kept across execve: a program that hangs dies of SIGALRM
     execve(program.c_str(), argv.data(), envp.data());
     _exit(127);
   }
-  in.closeRead();
-  out.closeWrite();
-  err.closeWrite();
-  if (!input.empty()) {
-    // Small inputs fit the pipe or the terminal's buffer at once; the program reads them
-    // when it asks.
-    const int typed = terminal >= 0 ? terminal : in.write;
-    const ssize_t written = write(typed, input.data(), input.size());
-    EXPECT_EQ(static_cast<ssize_t>(input.size()), written);
-  }
-  in.closeWrite();
-
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(120);
-  struct pollfd ends[2] = {{out.read, POLLIN, 0}, {err.read, POLLIN, 0}};
-  std::string *texts[2] = {&result.out, &result.err};
-  int open = 2;
-  while (open > 0 && std::chrono::steady_clock::now() < deadline) {
-    if (poll(ends, 2, 1000) < 0 && errno != EINTR)
-      break;
-    for (int i = 0; i < 2; ++i) {
-      if (ends[i].fd < 0 || (ends[i].revents & (POLLIN | POLLHUP | POLLERR)) == 0)
-        continue;
-      char buffer[65536];
-      const ssize_t got = read(ends[i].fd, buffer, sizeof buffer);
-      if (got > 0) {
-        texts[i]->append(buffer, static_cast<size_t>(got));
-      } else {
-        ends[i].fd = -1;
-        --open;
-      }
-    }
-  }
-  if (open > 0) {
-    ADD_FAILURE() << program << " ran too long";
-    kill(child, SIGKILL);
+  if (terminal >= 0) {
+    // A small input fits the terminal's buffer at once; the program reads it when it asks.
+    EXPECT_EQ(static_cast<ssize_t>(input.size()), write(terminal, input.data(), input.size()));
   }
   int status = 0;
-  waitpid(child, &status, 0);
+  if (child < 0 || waitpid(child, &status, 0) != child)
+    ADD_FAILURE() << "fork or wait: " << std::strerror(errno);
   if (terminal >= 0)
     close(terminal);
+  if (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM)
+    ADD_FAILURE() << program << " ran too long";
+  result.out = readFile(files.file("out"));
+  result.err = readFile(files.file("err"));
   result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   return result;
 }

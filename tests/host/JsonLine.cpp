@@ -2,155 +2,93 @@
 #include "tests/host/JsonLine.h"
 
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
-class Reader {
-public:
-  explicit Reader(const std::string &text) : text_(text) {}
+void appendUtf8(std::string &out, unsigned code) {
+  if (code < 0x80) {
+    out += static_cast<char>(code);
+  } else if (code < 0x800) {
+    out += static_cast<char>(0xC0 | code >> 6);
+    out += static_cast<char>(0x80 | (code & 0x3F));
+  } else {
+    out += static_cast<char>(0xE0 | code >> 12);
+    out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (code & 0x3F));
+  }
+}
 
-  bool object(JsonObject &out) {
-    skipBlanks();
-    if (!take('{'))
-      return false;
-    skipBlanks();
-    if (take('}'))
-      return end();
-    for (;;) {
-      std::string key;
-      skipBlanks();
-      if (!string(key))
-        return false;
-      skipBlanks();
-      if (!take(':'))
-        return false;
-      skipBlanks();
-      if (peek() == '"') {
-        std::string value;
-        if (!string(value))
-          return false;
-        out.strings[key] = value;
-      } else {
-        long long value = 0;
-        if (!number(value))
-          return false;
-        out.numbers[key] = value;
-      }
-      skipBlanks();
-      if (take('}'))
-        return end();
-      if (!take(','))
-        return false;
-    }
-  }
-
-private:
-  char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
-  bool take(char c) {
-    if (peek() != c || at_ >= text_.size())
-      return false;
-    ++at_;
-    return true;
-  }
-  void skipBlanks() {
-    while (peek() == ' ')
-      ++at_;
-  }
-  bool end() {
-    skipBlanks();
-    return at_ == text_.size();
-  }
-
-  static void appendUtf8(std::string &out, unsigned code) {
-    if (code < 0x80) {
-      out += static_cast<char>(code);
-    } else if (code < 0x800) {
-      out += static_cast<char>(0xC0 | code >> 6);
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-      out += static_cast<char>(0xE0 | code >> 12);
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    }
-  }
-
-  bool string(std::string &out) {
-    if (!take('"'))
-      return false;
-    while (at_ < text_.size()) {
-      const unsigned char c = static_cast<unsigned char>(text_[at_++]);
-      if (c == '"')
-        return true;
-      if (c < 0x20)
-        return false; // a control character must be escaped
-      if (c != '\\') {
-        out += static_cast<char>(c);
-        continue;
-      }
-      const char escape = peek();
-      ++at_;
-      switch (escape) {
-      case '"':
-        out += '"';
-        break;
-      case '\\':
-        out += '\\';
-        break;
-      case '/':
-        out += '/';
-        break;
-      case 'b':
-        out += '\b';
-        break;
-      case 'f':
-        out += '\f';
-        break;
-      case 'n':
-        out += '\n';
-        break;
-      case 'r':
-        out += '\r';
-        break;
-      case 't':
-        out += '\t';
-        break;
-      case 'u': {
-        if (at_ + 4 > text_.size())
-          return false;
-        const std::string hex = text_.substr(at_, 4);
-        char *end = nullptr;
-        const unsigned long code = std::strtoul(hex.c_str(), &end, 16);
-        if (end != hex.c_str() + 4)
-          return false;
-        appendUtf8(out, static_cast<unsigned>(code));
-        at_ += 4;
-        break;
-      }
-      default:
-        return false;
-      }
-    }
+// A string at `at`, which is left behind its closing quote.
+bool readString(const std::string &text, size_t &at, std::string &out) {
+  if (at >= text.size() || text[at++] != '"')
     return false;
-  }
-
-  bool number(long long &value) {
-    const size_t start = at_;
-    if (peek() == '-')
-      ++at_;
-    while (peek() >= '0' && peek() <= '9')
-      ++at_;
-    if (at_ == start || (at_ == start + 1 && text_[start] == '-'))
+  while (at < text.size()) {
+    const unsigned char c = static_cast<unsigned char>(text[at++]);
+    if (c == '"')
+      return true;
+    if (c < 0x20)
+      return false; // a control character must be escaped
+    if (c != '\\') {
+      out += static_cast<char>(c);
+      continue;
+    }
+    const char escape = at < text.size() ? text[at++] : '\0';
+    static const char kEscapes[] = "\"\"\\\\//b\bf\fn\nr\rt\t";
+    const char *known = escape != '\0' ? std::strchr(kEscapes, escape) : nullptr;
+    if (known != nullptr && (known - kEscapes) % 2 == 0) {
+      out += known[1];
+    } else if (escape == 'u' && at + 4 <= text.size()) {
+      const std::string hex = text.substr(at, 4);
+      char *end = nullptr;
+      appendUtf8(out, static_cast<unsigned>(std::strtoul(hex.c_str(), &end, 16)));
+      if (end != hex.c_str() + 4)
+        return false;
+      at += 4;
+    } else {
       return false;
-    value = std::strtoll(text_.substr(start, at_ - start).c_str(), nullptr, 10);
-    return true;
+    }
   }
-
-  const std::string &text_;
-  size_t at_ = 0;
-};
+  return false;
+}
 
 } // namespace
 
 bool parseJsonLine(const std::string &line, JsonObject &object) {
-  return Reader(line).object(object);
+  size_t at = 0;
+  const auto skip = [&] {
+    while (at < line.size() && line[at] == ' ')
+      ++at;
+  };
+  const auto take = [&](char c) {
+    skip();
+    return at < line.size() && line[at] == c ? (++at, true) : false;
+  };
+  if (!take('{'))
+    return false;
+  if (!take('}')) {
+    do {
+      std::string key;
+      skip();
+      if (!readString(line, at, key) || !take(':'))
+        return false;
+      skip();
+      if (at < line.size() && line[at] == '"') {
+        if (!readString(line, at, object.strings[key]))
+          return false;
+        continue;
+      }
+      const size_t start = at;
+      at += at < line.size() && line[at] == '-';
+      while (at < line.size() && line[at] >= '0' && line[at] <= '9')
+        ++at;
+      if (at == start || line[at - 1] == '-')
+        return false;
+      object.numbers[key] = std::strtoll(line.c_str() + start, nullptr, 10);
+    } while (take(','));
+    if (!take('}'))
+      return false;
+  }
+  skip();
+  return at == line.size();
 }

@@ -1,8 +1,8 @@
-// A mail store that a test may damage at will, with the agent loaded as a host loads it, and
-// a host's walk that accepts every status the agent documents instead of expecting success.
+// A mail store that a test may damage at will, with the agent loaded as a host loads it.
 #pragma once
 
 #include "agent/AgentAbi.h"
+#include "tests/support/HostWalk.h"
 #include "tests/support/LoadedAgent.h"
 #include "tests/support/TestFiles.h"
 
@@ -11,25 +11,9 @@
 #include <string>
 #include <vector>
 
-// A record as a host keeps it.
-struct KeptRecord {
-  std::string path;
-  uint32_t offset, length, checksum;
-  int32_t stamp;
-};
-
-// How a walk of the whole store ended, and what it found.
-struct StoreWalk {
-  std::vector<KeptRecord> records;
-  int32_t firstStatus = -1; // of findFirstObjectHandle
-  int32_t lastStatus = -1;  // of the last find call
-};
-
-// Agent keys of the four clients.
+// Agent keys of two clients.
 extern const char kEudoraKey[];
-extern const char kInternetKey[];
 extern const char kNetscapeKey[];
-extern const char kPegasusKey[];
 
 // An Eudora message: its delimiter, then headers, a blank line and a body.
 std::string eudoraMessage(const std::string &subject, const std::string &body = "Body.\r\n");
@@ -44,13 +28,17 @@ protected:
   void startAgent(const char *key, LogSink sink = nullptr);
   const AgentEntryTable &entries() const { return agent_.entries(); }
 
-  // Starts a search; on 0 the handle is live and the record filled.
-  int32_t findFirst(AgentHandle &search, KeptRecord &record);
-  int32_t findNext(AgentHandle search, KeptRecord &record);
-  // The whole walk, at most `limit` records, closing the search when one was open.
-  StoreWalk walk(size_t limit = 1000000);
-  // Opens the record and reads its body; the status of openObject.
-  int32_t reopen(const KeptRecord &record, std::string *body = nullptr);
+  // The host's calls of tests/support/HostWalk.h on this agent.
+  int32_t findFirst(AgentHandle &search, KeptRecord &record) {
+    return ::findFirst(entries(), search, record);
+  }
+  int32_t findNext(AgentHandle search, KeptRecord &record) {
+    return ::findNext(entries(), search, record);
+  }
+  StoreWalk walk(size_t limit = 1000000) { return walkRecords(entries(), limit); }
+  int32_t reopen(const KeptRecord &record, std::string *body = nullptr) {
+    return ::reopen(entries(), record, body);
+  }
 
   TempDir dir;
   std::string mail; // the mail folder

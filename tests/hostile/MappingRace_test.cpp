@@ -39,11 +39,6 @@ TEST(MappingRace, AFileCutShortBeforeItIsMappedFaultsInsideTheGuard) {
   const std::string path = dir.file("In.mbx");
   writeFile(path, std::string(16 * kPage, 'x'));
   // In a child: a read outside every mapping would kill the test program.
-  const pid_t child = fork();
-  if (child == 0)
-    _exit(readPastTheNewEnd(path));
-  int status = 0;
-  ASSERT_EQ(child, waitpid(child, &status, 0));
-  ASSERT_TRUE(WIFEXITED(status)) << "died of signal " << WTERMSIG(status);
-  EXPECT_EQ(0, WEXITSTATUS(status));
+  const int status = runInChild([&] { return readPastTheNewEnd(path); }, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << describeStatus(status);
 }

@@ -24,21 +24,10 @@ namespace {
 
 constexpr unsigned kBound = 60; // seconds; each case takes well under one when linear
 
-// Runs `work` in a child that SIGALRM ends after `seconds`. True when it ended on its own with
-// `work` returning true.
+// True when `work` ends within `seconds` in a child, returning true.
 bool endsWithin(unsigned seconds, const std::function<bool()> &work) {
-  std::fflush(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    alarm(seconds);
-    _exit(work() ? 0 : 1);
-  }
-  int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child)
-    return false;
-  if (WIFSIGNALED(status))
-    ADD_FAILURE() << "died of signal " << WTERMSIG(status)
-                  << (WTERMSIG(status) == SIGALRM ? " (did not end in time)" : "");
+  const int status = runInChild([&] { return work() ? 0 : 1; }, seconds);
+  EXPECT_TRUE(WIFEXITED(status)) << describeStatus(status);
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 

@@ -3,8 +3,8 @@
 // have changed or gone gets the box that asks for a reindex.
 #include "tests/hostile/HostileStore.h"
 
-#include "platform/WindowApi.h"
 #include "resources/resource.h"
+#include "tests/platform/ScriptedUser.h"
 #include "tests/support/AgentSession.h"
 
 #include <gtest/gtest.h>
@@ -15,27 +15,6 @@
 
 namespace {
 
-// The person at the screen: notes what the agent showed, reads the message window, and does
-// `whileReading` before letting it close.
-struct Person {
-  std::vector<int32_t> shown; // the kinds of event, in order
-  std::string body;
-  std::function<void()> whileReading;
-
-  static int32_t answer(void *context, const TukUserEvent *event) {
-    Person &person = *static_cast<Person *>(context);
-    person.shown.push_back(event->kind);
-    if (event->kind == TUK_USER_MODAL_DIALOG) {
-      if (person.whileReading)
-        person.whileReading();
-      char text[4096] = "";
-      tukWindowGetText(tukWindowFindChild(event->window, IDC_VIEW_BODY), text, sizeof text);
-      person.body = text;
-    }
-    return event->kind == TUK_USER_MESSAGE_BOX ? TUK_ID_OK : 0;
-  }
-};
-
 class RunObjectUnderChangeTest : public HostileStoreTest {
 protected:
   void SetUp() override {
@@ -45,11 +24,19 @@ protected:
     writeFile(mail + "/In.toc", "");
     writeFile(mail + "/Next.mbx", eudoraMessage("next"));
     writeFile(mail + "/Next.toc", "");
-    tukSetUser(Person::answer, &person);
+    // The person reads the message window, doing `whileReading` before letting it close.
+    user.onModal = [&](TukWindow window) {
+      if (whileReading)
+        whileReading();
+      body = windowText(tukWindowFindChild(window, IDC_VIEW_BODY));
+    };
   }
-  void TearDown() override {
-    tukSetUser(nullptr, nullptr);
-    HostileStoreTest::TearDown();
+  // The kinds of what the person was shown, in order.
+  std::vector<int32_t> shown() const {
+    std::vector<int32_t> kinds;
+    for (const ScriptedUser::Event &event : user.events)
+      kinds.push_back(event.kind);
+    return kinds;
   }
 
   int32_t run(const KeptRecord &record) {
@@ -58,26 +45,28 @@ protected:
   }
 
   std::string box;
-  Person person;
+  ScriptedUser user;
+  std::function<void()> whileReading;
+  std::string body;
 };
 
 TEST_F(RunObjectUnderChangeTest, TheMailboxCutAndRemovedWhileTheWindowIsOpen) {
   AgentHandle search = 0;
   KeptRecord first;
   ASSERT_EQ(StatusOk, findFirst(search, first)); // the search holds In.mbx mapped
-  person.whileReading = [&] {
+  whileReading = [&] {
     ASSERT_EQ(0, truncate(box.c_str(), 0));
     ASSERT_EQ(0, unlink(box.c_str()));
   };
   EXPECT_EQ(StatusOk, run(first));
-  EXPECT_EQ(std::vector<int32_t>{TUK_USER_MODAL_DIALOG}, person.shown);
-  EXPECT_EQ("First body.\r\n", person.body);
+  EXPECT_EQ(std::vector<int32_t>{TUK_USER_MODAL_DIALOG}, shown());
+  EXPECT_EQ("First body.\r\n", body);
   // The search passes over what is gone; the record now opens nothing.
   KeptRecord next;
   ASSERT_EQ(StatusOk, findNext(search, next));
   EXPECT_EQ(mail + "/Next.mbx", next.path);
   EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(search));
-  person.whileReading = nullptr;
+  whileReading = nullptr;
   EXPECT_EQ(StatusOpenFailed, run(first));
 }
 
@@ -92,7 +81,7 @@ TEST_F(RunObjectUnderChangeTest, ARecordWhoseBytesChangedOrWentAsksForAReindex) 
   // Cut short: the second message's range lies past the end.
   ASSERT_EQ(0, truncate(box.c_str(), found.records[1].offset + 4));
   EXPECT_EQ(StatusOk, run(found.records[1]));
-  EXPECT_EQ((std::vector<int32_t>{TUK_USER_MESSAGE_BOX, TUK_USER_MESSAGE_BOX}), person.shown);
+  EXPECT_EQ((std::vector<int32_t>{TUK_USER_MESSAGE_BOX, TUK_USER_MESSAGE_BOX}), shown());
   // A folder or a pipe where the mailbox was: nothing to open.
   ASSERT_EQ(0, unlink(box.c_str()));
   makeDirs(box);
@@ -100,19 +89,19 @@ TEST_F(RunObjectUnderChangeTest, ARecordWhoseBytesChangedOrWentAsksForAReindex) 
   ASSERT_EQ(0, rmdir(box.c_str()));
   ASSERT_EQ(0, mkfifo(box.c_str(), 0600));
   EXPECT_EQ(StatusOpenFailed, run(found.records[0]));
-  EXPECT_EQ(2u, person.shown.size());
+  EXPECT_EQ(2u, user.events.size());
 }
 
 TEST_F(RunObjectUnderChangeTest, TheWindowOfAMessageStaysWhileTheMailboxIsRewritten) {
   const StoreWalk found = walk();
   ASSERT_EQ(3u, found.records.size());
-  person.whileReading = [&] { writeFile(box, std::string(100000, 'z')); };
+  whileReading = [&] { writeFile(box, std::string(100000, 'z')); };
   EXPECT_EQ(StatusOk, run(found.records[1]));
-  EXPECT_EQ("Second.\r\n", person.body);
+  EXPECT_EQ("Second.\r\n", body);
   // Afterwards the record leads to other bytes: the box, and no window.
-  person.whileReading = nullptr;
+  whileReading = nullptr;
   EXPECT_EQ(StatusOk, run(found.records[1]));
-  EXPECT_EQ((std::vector<int32_t>{TUK_USER_MODAL_DIALOG, TUK_USER_MESSAGE_BOX}), person.shown);
+  EXPECT_EQ((std::vector<int32_t>{TUK_USER_MODAL_DIALOG, TUK_USER_MESSAGE_BOX}), shown());
 }
 
 } // namespace

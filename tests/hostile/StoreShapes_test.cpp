@@ -148,7 +148,9 @@ TEST_F(StoreShapesTest, AFolderWhereAMailFileShouldBe) {
   writeFile(mail + "/In.toc", "");
   EXPECT_EQ(std::vector<std::string>{mail + "/Real.mbx"}, pathsOf(walk()));
   // A record that names a folder opens nothing.
-  EXPECT_EQ(StatusMailFileFailed, reopen({mail + "/In.mbx", 0, 1, 0, 0}));
+  KeptRecord folder;
+  folder.path = mail + "/In.mbx";
+  EXPECT_EQ(StatusMailFileFailed, reopen(folder));
 
   // Without a mail extension a folder is no mail file either, not even through the "." entry
   // that the walk lists inside it, which a control file named ".snm" would otherwise pair.
@@ -198,11 +200,15 @@ TEST_F(StoreShapesTest, AFolderThatCannotBeReadEndsTheScanAndAMailboxIsPassedOve
   failNextFileOperations(FileOperation::OpenDirectory, EACCES);
   EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
 
-  // A mailbox that cannot be opened is passed over without a word: the first one here.
+  // A mailbox that cannot be opened is passed over without a word: the first one, then one
+  // that the walk comes to later.
   failNextFileOperations(FileOperation::OpenFile, EACCES);
-  const StoreWalk found = walk();
-  clearFileOperationFailures();
+  StoreWalk found = walk();
   EXPECT_EQ((std::vector<std::string>{mail + "/B.mbx", mail + "/Locked/C.mbx"}), pathsOf(found));
+  failFileOperationsAfter(FileOperation::OpenFile, 1, EACCES);
+  found = walk();
+  clearFileOperationFailures();
+  EXPECT_EQ((std::vector<std::string>{mail + "/A.mbx", mail + "/Locked/C.mbx"}), pathsOf(found));
 }
 
 } // namespace

@@ -1,11 +1,11 @@
-// GetPrivateProfileStringA: one value of an INI file, or the default.
+// GetPrivateProfileStringA: one value of an INI file, or the default. (A pipe or a folder in
+// its place: hostile/Pathological.)
 #include "platform/Profile.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <sys/stat.h>
 
 namespace {
 
@@ -55,16 +55,6 @@ TEST_F(ProfileTest, CopiesAtMostSizeLessOneAndCountsWhatItCopied) {
   char untouched[4] = "xyz";
   EXPECT_EQ(0u, GetPrivateProfileStringA("S", "K", "d", untouched, 0, ini.c_str()));
   EXPECT_STREQ("xyz", untouched);
-}
-
-TEST_F(ProfileTest, AMissingFileAFolderOrAPipeGiveTheDefaultWithoutWaiting) {
-  EXPECT_EQ("4:dflt", read("S", "K"));
-  makeDirs(ini);
-  EXPECT_EQ("4:dflt", read("S", "K"));
-  const std::string pipe = dir.file("pipe.ini");
-  ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
-  char buffer[8];
-  EXPECT_EQ(4u, GetPrivateProfileStringA("S", "K", "dflt", buffer, sizeof buffer, pipe.c_str()));
 }
 
 } // namespace

@@ -51,7 +51,6 @@ public:
     static const MessageMapEntry entries[] = {
         commandEntry<&RecordingDialog::onGo>(kGoId),
         sizeEntry<&RecordingDialog::onSize>(),
-        minMaxInfoEntry<&RecordingDialog::onMinMax>(),
         helpEntry<&RecordingDialog::onHelp>(),
     };
     static const MessageMap map = {CDialog::GetMessageMap(), entries, std::size(entries)};
@@ -80,7 +79,6 @@ public:
     log.push_back("size " + std::to_string(type) + " " + std::to_string(width) + "x" +
                   std::to_string(height));
   }
-  void onMinMax(MINMAXINFO *limits) { limits->ptMinTrackSize = minTrack; }
   BOOL onHelp(HELPINFO *info) {
     log.push_back("help " + std::to_string(info->iCtrlId));
     return TRUE;
@@ -88,6 +86,5 @@ public:
 
   CEdit edit;
   int checked = 1;
-  POINT minTrack{300, 200};
   std::vector<std::string> log;
 };

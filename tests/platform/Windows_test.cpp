@@ -68,15 +68,6 @@ TEST_F(WindowsTest, ATemplateMakesAHiddenPageWithItsControlsInPixels) {
   EXPECT_EQ(page.edit.m_hWnd, reinterpret_cast<HWND>(controls[0]));
 }
 
-TEST_F(WindowsTest, CreateFailsWithoutTemplateOrParentForAChild) {
-  RecordingDialog unknown(999);
-  EXPECT_FALSE(unknown.Create(999, CWnd::FromHandle(reinterpret_cast<HWND>(frame))));
-  RecordingDialog orphan;
-  EXPECT_FALSE(orphan.Create(kChildTemplate, nullptr));
-  EXPECT_EQ(nullptr, orphan.m_hWnd);
-  EXPECT_TRUE(orphan.log.empty());
-}
-
 TEST_F(WindowsTest, ClicksAndKeysReachTheMapOnlyOnWindowsAPersonCanReach) {
   std::unique_ptr<RecordingDialog> page = openPage();
   const TukWindow go = tukWindowFindChild(handle(*page), kGoId);
@@ -153,32 +144,6 @@ TEST_F(WindowsTest, WindowsAndObjectsLetGoOfEachOther) {
   EXPECT_EQ(-1, tukWindowGetInfo(secondPage, nullptr));
   EXPECT_EQ(-1, tukWindowGetText(secondEdit, nullptr, 0));
   EXPECT_TRUE(childWindows(frame).empty());
-}
-
-TEST_F(WindowsTest, FromHandleGivesOneObjectPerWindowAndNoneForBadHandles) {
-  CWnd *frameObject = CWnd::FromHandle(reinterpret_cast<HWND>(frame));
-  ASSERT_NE(nullptr, frameObject);
-  EXPECT_EQ(frameObject, CWnd::FromHandle(reinterpret_cast<HWND>(frame)));
-  EXPECT_EQ(nullptr, CWnd::FromHandle(nullptr));
-  EXPECT_EQ(nullptr, CWnd::FromHandle(reinterpret_cast<HWND>(frame + 12345)));
-}
-
-TEST_F(WindowsTest, ClientCoordinatesAndMovesFollowTheFrameAroundTheClientArea) {
-  std::unique_ptr<RecordingDialog> page = openPage();
-  RECT rect;
-  page->edit.GetWindowRect(&rect);
-  page->ScreenToClient(&rect);
-  EXPECT_EQ(15, rect.left);
-  EXPECT_EQ(33, rect.top);
-  page->edit.MoveWindow(rect.left, rect.top, -5, 20); // negative sizes count as 0
-  page->edit.GetWindowRect(&rect);
-  EXPECT_EQ(rect.left, rect.right);
-  EXPECT_EQ(20, rect.bottom - rect.top);
-
-  // Placing the page elsewhere moves its controls on the screen with it.
-  EXPECT_EQ(0, tukWindowPlace(handle(*page), 0, 0, 300, 163));
-  EXPECT_TRUE(sameRect(windowInfo(handle(page->edit)).rect, 4 + 15, 22 + 33, 4 + 15, 22 + 53));
-  EXPECT_EQ(-1, tukWindowPlace(0, 0, 0, 1, 1));
 }
 
 } // namespace

@@ -14,20 +14,7 @@ CModule firstModule = {nullptr, &firstModule, nullptr};
 CModule secondModule = {nullptr, &secondModule, nullptr};
 
 // Runs `body` on a thread of its own and waits for it.
-template <typename Body> void onNewThread(Body body) {
-  std::thread thread(body);
-  thread.join();
-}
-
-TEST(ModuleState, AThreadStartsInADefaultStateThatNamesNothing) {
-  onNewThread([] {
-    const AFX_MODULE_STATE *state = AfxGetModuleState();
-    ASSERT_NE(state, nullptr);
-    EXPECT_EQ(state->m_hCurrentInstanceHandle, nullptr);
-    EXPECT_EQ(AfxGetResourceHandle(), nullptr);
-    EXPECT_EQ(AfxGetApp(), nullptr);
-  });
-}
+template <typename Body> void onNewThread(Body body) { std::thread(body).join(); }
 
 TEST(ModuleState, MaintainStateRestoresTheEarlierStateOnEveryScopeExit) {
   AFX_MODULE_STATE outer = {&firstModule, &firstModule, nullptr};
@@ -47,11 +34,13 @@ TEST(ModuleState, MaintainStateRestoresTheEarlierStateOnEveryScopeExit) {
   EXPECT_EQ(AfxGetModuleState(), before);
 }
 
-TEST(ModuleState, EachThreadHasItsOwnCurrentAndDefaultState) {
+TEST(ModuleState, EachThreadStartsInADefaultStateOfItsOwnThatNamesNothing) {
   AFX_MODULE_STATE mine = {&firstModule, &firstModule, nullptr};
   AFX_MAINTAIN_STATE scope(&mine);
   onNewThread([] {
     EXPECT_EQ(AfxGetModuleState()->m_hCurrentInstanceHandle, nullptr);
+    EXPECT_EQ(AfxGetResourceHandle(), nullptr);
+    EXPECT_EQ(AfxGetApp(), nullptr);
     // What this thread does to its default state stays with it.
     AfxSetResourceHandle(&secondModule);
     EXPECT_EQ(AfxGetResourceHandle(), &secondModule);
@@ -59,24 +48,6 @@ TEST(ModuleState, EachThreadHasItsOwnCurrentAndDefaultState) {
   EXPECT_EQ(AfxGetModuleState(), &mine);
   EXPECT_EQ(AfxGetResourceHandle(), &firstModule);
   onNewThread([] { EXPECT_EQ(AfxGetResourceHandle(), nullptr); });
-}
-
-TEST(ModuleState, ResourceHandleAndApplicationAreThoseOfTheCurrentState) {
-  CWinApp app("test");
-  AFX_MODULE_STATE outer = {&firstModule, &firstModule, nullptr};
-  AFX_MODULE_STATE inner = {&secondModule, &secondModule, &app};
-  AFX_MAINTAIN_STATE outerScope(&outer);
-  {
-    AFX_MAINTAIN_STATE innerScope(&inner);
-    EXPECT_EQ(AfxGetApp(), &app);
-    AfxSetResourceHandle(&firstModule);
-    EXPECT_EQ(inner.m_hCurrentResourceHandle, &firstModule);
-  }
-  EXPECT_EQ(AfxGetApp(), nullptr);
-  EXPECT_EQ(outer.m_hCurrentResourceHandle, &firstModule);
-  AfxSetResourceHandle(&secondModule);
-  EXPECT_EQ(outer.m_hCurrentResourceHandle, &secondModule);
-  EXPECT_EQ(inner.m_hCurrentResourceHandle, &firstModule);
 }
 
 // An application that replaces the help file path, as the agent's does.

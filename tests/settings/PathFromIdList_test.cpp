@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -19,21 +18,14 @@ public:
     if (result != S_OK)
       return result;
     name->uType = form;
-    switch (form) {
-    case STRRET_WSTR: {
+    if (form == STRRET_WSTR) {
       auto *wide = static_cast<WCHAR *>(CoTaskMemAlloc(sizeof u"/home/\u00e9"));
       std::memcpy(wide, u"/home/\u00e9", sizeof u"/home/\u00e9");
       name->pOleStr = wide; // the caller frees it: a leak shows under the sanitizer
-      break;
-    }
-    case STRRET_OFFSET:
+    } else if (form == STRRET_OFFSET) {
       name->uOffset = 2;
-      break;
-    case STRRET_CSTR:
+    } else if (form == STRRET_CSTR) {
       std::memset(name->cStr, 'c', sizeof name->cStr); // filled to the end, no zero
-      break;
-    default:
-      break;
     }
     return S_OK;
   }
@@ -45,36 +37,26 @@ public:
   DWORD lastFlags = 0;
 };
 
-class PathFromIdListTest : public ::testing::Test {
-protected:
-  std::string pathIn(UINT form, int expectedResult) {
-    folder.form = form;
-    CString path("untouched");
-    EXPECT_EQ(expectedResult, page.getPathFromIdList(&folder, list(), SHGDN_FORPARSING, path));
-    return path.GetString();
-  }
-  LPCITEMIDLIST list() const { return reinterpret_cast<LPCITEMIDLIST>(listBytes); }
-
+TEST(PathFromIdListTest, EachFormGivesThePathAndEveryFailureLeavesItAlone) {
   AgentSession session; // the agent's module state, as inside an entry
   CPropPage page{nullptr};
   ScriptedFolder folder;
-  const unsigned char listBytes[12] = {10, 0, '/', 'o', 'f', 'f', 's', 'e', 't', 0, 0, 0};
-};
-
-TEST_F(PathFromIdListTest, EachOfTheThreeFormsGivesThePath) {
-  EXPECT_EQ("/home/\xC3\xA9", pathIn(STRRET_WSTR, 1));
-  EXPECT_EQ("/offset", pathIn(STRRET_OFFSET, 1));
-  EXPECT_EQ(std::string(260, 'c'), pathIn(STRRET_CSTR, 1));
+  const unsigned char bytes[12] = {10, 0, '/', 'o', 'f', 'f', 's', 'e', 't', 0, 0, 0};
+  const auto list = reinterpret_cast<LPCITEMIDLIST>(bytes);
+  const auto pathIn = [&](IShellFolder *from, UINT form, int expectedResult) {
+    folder.form = form;
+    CString path("untouched");
+    EXPECT_EQ(expectedResult, page.getPathFromIdList(from, list, SHGDN_FORPARSING, path));
+    return std::string(path.GetString());
+  };
+  EXPECT_EQ("/home/\xC3\xA9", pathIn(&folder, STRRET_WSTR, 1));
   EXPECT_EQ(static_cast<DWORD>(SHGDN_FORPARSING), folder.lastFlags);
-}
-
-TEST_F(PathFromIdListTest, AnUnknownFormAFailureOrNoFolderLeaveThePathAlone) {
-  EXPECT_EQ("untouched", pathIn(7, 0));
+  EXPECT_EQ("/offset", pathIn(&folder, STRRET_OFFSET, 1));
+  EXPECT_EQ(std::string(260, 'c'), pathIn(&folder, STRRET_CSTR, 1));
+  EXPECT_EQ("untouched", pathIn(&folder, 7, 0));
+  EXPECT_EQ("untouched", pathIn(nullptr, STRRET_CSTR, 0));
   folder.result = E_INVALIDARG;
-  EXPECT_EQ("untouched", pathIn(STRRET_CSTR, 0));
-  CString path("untouched");
-  EXPECT_EQ(0, page.getPathFromIdList(nullptr, list(), SHGDN_FORPARSING, path));
-  EXPECT_STREQ("untouched", path.GetString());
+  EXPECT_EQ("untouched", pathIn(&folder, STRRET_CSTR, 0));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
-// The date reader over the texts a Date header holds, and the fallback date.
+// The date reader over the texts a Date header holds.
 #include "store/MAILDATE.h"
 
-#include "store/MailMsg.h"
 #include "tests/support/AgentSession.h"
 
 #include <gtest/gtest.h>
@@ -65,19 +64,5 @@ INSTANTIATE_TEST_SUITE_P(
         DateCase{"a Jan 1998 10:11:12", true, 10, 11, 12, 0, 0, 98},
         // atoi of huge numbers is clamped, never undefined.
         DateCase{"Mon 12 Jan 1998 99999999999999:00", true, 2147483647, 0, 0, 12, 0, 98}));
-
-TEST(MailDate, FallbackDateIsFirstOfFebruary1971) {
-  AgentSession session;
-  CMailMsg message;
-  const std::string bytes = "x\nDate: not a date\n\n";
-  ASSERT_EQ(0, message.init(reinterpret_cast<const unsigned char *>(bytes.data()),
-                            static_cast<uint32_t>(bytes.size()), ""));
-  int32_t fields[6];
-  message.getDateFields(&fields[0], &fields[1], &fields[2], &fields[3], &fields[4], &fields[5]);
-  EXPECT_EQ(1, fields[0]);
-  EXPECT_EQ(1, fields[1]);
-  EXPECT_EQ(71, fields[2]);
-  EXPECT_EQ(0, fields[3] | fields[4] | fields[5]);
-}
 
 } // namespace

@@ -1,4 +1,4 @@
-// A host's whole walk of a store through the entries.
+// A host's calls on the find and object entries.
 #include "tests/support/HostWalk.h"
 
 #include "tests/support/AgentSession.h"
@@ -7,36 +7,67 @@
 
 #include <cstring>
 
-std::string reopenBody(const AgentEntryTable &e, const ObjectRecord *record) {
-  AgentHandle object = 0;
+namespace {
+
+int32_t find(const AgentEntryTable &e, bool first, AgentHandle &search, KeptRecord &record) {
+  RecordBuffer buffer;
   int32_t time = 0;
-  EXPECT_EQ(StatusOk, e.openObject(&object, record, &time)) << record->path;
-  std::string body;
-  char buffer[4096];
-  uint32_t got = 0;
-  while (e.readObject(object, buffer, sizeof buffer, &got) == StatusOk)
-    body.append(buffer, got);
-  e.closeObject(object);
-  return body;
+  const int32_t status = first ? e.findFirstObjectHandle(0, &search, buffer.get(), &time)
+                               : e.findNextObjectHandle(search, buffer.get(), &time);
+  if (status == StatusOk) {
+    const ObjectRecord *r = buffer.get();
+    EXPECT_EQ(std::strlen(r->path) + 18, r->size); // what a filled record reports
+    record = {r->path, r->offset, r->length, r->checksum, r->mailboxStamp, time, ""};
+  }
+  return status;
 }
 
-std::vector<FoundObject> walkStore(const AgentEntryTable &e) {
-  std::vector<FoundObject> found;
-  RecordBuffer record;
+} // namespace
+
+int32_t findFirst(const AgentEntryTable &e, AgentHandle &search, KeptRecord &record) {
+  return find(e, true, search, record);
+}
+
+int32_t findNext(const AgentEntryTable &e, AgentHandle search, KeptRecord &record) {
+  return find(e, false, search, record);
+}
+
+StoreWalk walkRecords(const AgentEntryTable &e, size_t limit) {
+  StoreWalk result;
   AgentHandle search = 0;
+  KeptRecord record;
+  result.firstStatus = result.lastStatus = findFirst(e, search, record);
+  if (result.firstStatus != StatusOk)
+    return result;
+  result.records.push_back(record);
+  while (result.records.size() < limit &&
+         (result.lastStatus = findNext(e, search, record)) == StatusOk)
+    result.records.push_back(record);
+  EXPECT_EQ(StatusOk, e.closeFindObjectHandle(search));
+  return result;
+}
+
+int32_t reopen(const AgentEntryTable &e, const KeptRecord &record, std::string *body) {
+  RecordBuffer buffer(record.path, record.offset, record.length, record.checksum, record.stamp);
+  AgentHandle object = 0;
   int32_t time = 0;
-  int32_t status = e.findFirstObjectHandle(0, &search, record.get(), &time);
-  while (status == StatusOk) {
-    const ObjectRecord *r = record.get();
-    EXPECT_EQ(std::strlen(r->path) + 18, r->size);
-    found.push_back({r->path, r->offset, r->length, r->checksum, time, reopenBody(e, r)});
-    record->size = static_cast<uint32_t>(record.capacity());  // the capacity, offered anew
-    status = e.findNextObjectHandle(search, record.get(), &time);
-  }
-  EXPECT_EQ(StatusNoMoreObjects, status);
-  if (!found.empty()) {
-    EXPECT_EQ(StatusNoMoreObjects, e.findNextObjectHandle(search, record.get(), &time));
-    EXPECT_EQ(StatusOk, e.closeFindObjectHandle(search));
-  }
-  return found;
+  const int32_t status = e.openObject(&object, buffer.get(), &time);
+  if (status != StatusOk)
+    return status;
+  char piece[4096];
+  uint32_t got = 0;
+  while (e.readObject(object, piece, sizeof piece, &got) == StatusOk)
+    if (body)
+      body->append(piece, got);
+  EXPECT_EQ(StatusOk, e.closeObject(object));
+  return status;
+}
+
+std::vector<KeptRecord> walkStore(const AgentEntryTable &e) {
+  StoreWalk walk = walkRecords(e);
+  EXPECT_EQ(walk.records.empty() ? StatusNoMoreObjects : StatusOk, walk.firstStatus);
+  EXPECT_EQ(StatusNoMoreObjects, walk.lastStatus);
+  for (KeptRecord &record : walk.records)
+    EXPECT_EQ(StatusOk, reopen(e, record, &record.body)) << record.path;
+  return walk.records;
 }

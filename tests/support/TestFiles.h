@@ -1,6 +1,8 @@
-// Files and folders for tests: a temporary folder that removes itself, and whole-file I/O.
+// Files and folders for tests: a temporary folder that removes itself, and whole-file I/O;
+// and a child process for what could crash or hang the test program.
 #pragma once
 
+#include <functional>
 #include <string>
 
 class TempDir {
@@ -26,3 +28,12 @@ bool fileExists(const std::string &path);
 void makeDirs(const std::string &path);
 // Sets the file's last-write time, in seconds since 1970.
 void setFileTime(const std::string &path, long seconds);
+// True while this process has a mapping of the file at `path`.
+bool isMappedInThisProcess(const std::string &path);
+
+// Runs `body` in a child process that exits with what it returns (by _exit: nothing of the
+// test program's clean-up runs there) or dies of SIGALRM after `seconds` (0: never); the wait
+// status.
+int runInChild(const std::function<int()> &body, unsigned seconds);
+// "exit N", or "signal N", for a wait status.
+std::string describeStatus(int status);

@@ -1,5 +1,5 @@
-// Mail stores of the four clients for the host's tests, written byte by byte with each
-// format's rules, so that a test knows where every message lies and what its body is.
+// Mail stores of the four clients, written byte by byte with each format's rules, so that a
+// test knows where every message lies and what its body is.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,15 @@ struct Mailbox {
   std::vector<MessageRange> ranges;
 };
 
-// The mailbox bytes of `client` ("eudora", "internet", "netscape", "pegasus").
+// The four clients by the names mhhost gives them.
+inline const std::vector<std::string> kClientNames = {"eudora", "internet", "netscape",
+                                                      "pegasus"};
+
+// Texts of messages framed as whole messages of `client`'s mail file: Eudora's 12-byte
+// delimiter, Internet Mail's 00 7F 00 7F, Netscape's "From" line, Pegasus's 128-byte header
+// and 0A 0A 1A between messages.
+Mailbox framed(const std::string &client, const std::vector<std::string> &texts);
+// The mailbox bytes of `client` for messages with headers.
 Mailbox mailboxOf(const std::string &client, const std::vector<TestMessage> &messages);
 // The body of a message as the agent gives it: with the store's line ends.
 std::string bodyOf(const std::string &client, const TestMessage &message);

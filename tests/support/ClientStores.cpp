@@ -1,6 +1,5 @@
-// The four formats: Eudora's 12-byte delimiter, Internet Mail's 00 7F 00 7F, Netscape's "From"
-// line, Pegasus's 128-byte header and 0A 0A 1A.
-#include "tests/host/ClientStores.h"
+// The four clients' mail file formats.
+#include "tests/support/ClientStores.h"
 
 #include "tests/support/TestFiles.h"
 
@@ -35,11 +34,11 @@ std::string bodyOf(const std::string &client, const TestMessage &message) {
   return withLineEnds(message.body, usesCrLf(client) ? "\r\n" : "\n");
 }
 
-Mailbox mailboxOf(const std::string &client, const std::vector<TestMessage> &messages) {
+Mailbox framed(const std::string &client, const std::vector<std::string> &texts) {
   Mailbox mailbox;
   if (client == "pegasus")
     mailbox.bytes = std::string("Test folder").append(128 - 11, '\0');
-  for (size_t i = 0; i < messages.size(); ++i) {
+  for (size_t i = 0; i < texts.size(); ++i) {
     if (client == "eudora")
       mailbox.bytes += "From ???@???"; // the rest of its line belongs to the message
     else if (client == "internet")
@@ -48,16 +47,19 @@ Mailbox mailboxOf(const std::string &client, const std::vector<TestMessage> &mes
       mailbox.bytes += "From - Thu Jan 15 10:30:45 1998\n";
     else if (i > 0)
       mailbox.bytes += "\n\n\x1a";
-    std::string text = messageText(client, messages[i]);
-    if (client == "eudora")
-      text = " Mon Jan 01 00:00:00 1998\r\n" + text;
-    MessageRange range;
-    range.offset = static_cast<uint32_t>(mailbox.bytes.size());
-    range.length = static_cast<uint32_t>(text.size());
-    mailbox.bytes += text;
-    mailbox.ranges.push_back(range);
+    mailbox.ranges.push_back({static_cast<uint32_t>(mailbox.bytes.size()),
+                              static_cast<uint32_t>(texts[i].size())});
+    mailbox.bytes += texts[i];
   }
   return mailbox;
+}
+
+Mailbox mailboxOf(const std::string &client, const std::vector<TestMessage> &messages) {
+  std::vector<std::string> texts;
+  for (const TestMessage &message : messages)
+    texts.push_back((client == "eudora" ? " Mon Jan 01 00:00:00 1998\r\n" : "") +
+                    messageText(client, message));
+  return framed(client, texts);
 }
 
 std::string mailFileOf(const std::string &client, const std::string &stem) {
