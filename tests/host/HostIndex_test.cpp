@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <sqlite3.h>
 #include <unistd.h>
 
 namespace {
@@ -20,6 +21,21 @@ int64_t utc(int year, int month, int day, int hour, int minute, int second) {
   fields.tm_min = minute;
   fields.tm_sec = second;
   return static_cast<int64_t>(timegm(&fields));
+}
+
+// The first column of the first row of `sql` over the database, as text.
+std::string queryText(const std::string &database, const char *sql) {
+  sqlite3 *db = nullptr;
+  std::string text;
+  if (sqlite3_open_v2(database.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+    sqlite3_stmt *statement = nullptr;
+    if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) == SQLITE_OK &&
+        sqlite3_step(statement) == SQLITE_ROW)
+      text = reinterpret_cast<const char *>(sqlite3_column_text(statement, 0));
+    sqlite3_finalize(statement);
+  }
+  sqlite3_close(db);
+  return text;
 }
 
 const TestMessage kQuarterly = {
@@ -98,6 +114,10 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
   EXPECT_EQ("Quarterly report draft", hit.strings.at("subject"));
   EXPECT_NE(std::string::npos, hit.strings.at("snippet").find("Quarterly"));
   EXPECT_EQ(8u, hit.strings.size() + hit.numbers.size());
+
+  // A new index is made for a large first run: 8 KB pages, segments merged 16 at a time.
+  EXPECT_EQ("8192", queryText(database, "PRAGMA page_size"));
+  EXPECT_EQ("16", queryText(database, "SELECT v FROM texts_config WHERE k = 'automerge'"));
 
   // list gives the same records straight from the agent, in its order.
   const HostResult list = host({"--client", client(), "list", "--json"});
