@@ -100,16 +100,6 @@ CString CString::Mid(int first, int count) const {
   return result;
 }
 
-CString CString::Right(int count) const {
-  if (count <= 0)
-    return CString();
-  if (static_cast<size_t>(count) >= text_.size())
-    return *this;
-  CString result;
-  result.text_ = text_.substr(text_.size() - static_cast<size_t>(count));
-  return result;
-}
-
 CString CString::SpanExcluding(const char *set) const {
   CString result;
   // The view as a C string: a zero byte ends the span as it ends the text.

@@ -40,7 +40,6 @@ public:
   CString Left(int count) const;
   CString Mid(int first) const;
   CString Mid(int first, int count) const;
-  CString Right(int count) const;
   // The leading run of bytes that are not in `set`.
   CString SpanExcluding(const char *set) const;
 

@@ -1,5 +1,5 @@
 // Resource lookup: strings and dialog templates by id in a module's table, with the module
-// of the current state as the fallback; LoadStringA and CString::LoadString.
+// of the current state as the fallback; CString::LoadString.
 #include "Resources.h"
 
 #include "CString.h"
@@ -48,18 +48,6 @@ const ResourceString *findString(HINSTANCE module, UINT id) {
 
 const DialogTemplate *findDialog(HINSTANCE module, UINT id) {
   return withFallback(module, id, dialogIn);
-}
-
-int LoadStringA(HINSTANCE module, UINT id, char *buffer, int bufferMax) {
-  if (buffer == nullptr || bufferMax <= 0)
-    return 0;
-  const ResourceString *found = findString(module, id);
-  const size_t count =
-      found == nullptr ? 0 : std::min<size_t>(found->length, static_cast<size_t>(bufferMax) - 1);
-  if (count > 0)
-    std::memcpy(buffer, found->text, count);
-  buffer[count] = '\0';
-  return static_cast<int>(count);
 }
 
 BOOL CString::LoadString(UINT id) {

@@ -53,6 +53,3 @@ struct ResourceTable {
 const ResourceString *findString(HINSTANCE module, UINT id);
 const DialogTemplate *findDialog(HINSTANCE module, UINT id);
 
-// As the Windows call: copies at most bufferMax - 1 bytes and a zero, returns the count
-// copied; 0 when there is no such string (the buffer then holds an empty string).
-int LoadStringA(HINSTANCE module, UINT id, char *buffer, int bufferMax);
