@@ -5,6 +5,7 @@
 #include "host/StoreWalk.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
@@ -166,8 +167,12 @@ private:
     MessageFields fields;
     if (!object.readFields(fields))
       fields = MessageFields();
-    // Zero bytes end a C string: in the stored text they are blanks.
-    std::replace(body_.begin(), body_.end(), '\0', ' ');
+    // Zero bytes end a C string: in the stored text they are blanks. Text rarely holds one,
+    // and the library's search passes over the rest far faster than a loop byte by byte.
+    char *const end = &body_[0] + body_.size();
+    for (char *zero = &body_[0];
+         (zero = static_cast<char *>(std::memchr(zero, '\0', static_cast<size_t>(end - zero))));)
+      *zero++ = ' ';
     if (db_.addObject(work.id, record, object.time(), fields, body_) != 0) {
       ++work.report.added;
       ++addedSoFar_;
