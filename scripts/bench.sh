@@ -6,7 +6,8 @@
 #   scripts/bench.sh --full     the README's figures: 256 MB and 100,000 messages
 #
 # Further arguments go to store_bench (see build/bench/bin/store_bench --help), e.g.
-# --clients eudora,netscape or --repeat 5. The machine's load average is printed at the
+# --clients eudora,netscape, --repeat 5, or --first-read cat to have cat, not the agent,
+# read each store first from disk (the page cache then holds it in small pieces). The machine's load average is printed at the
 # start and the end of the store runs: figures taken beside other work are not comparable.
 set -euo pipefail
 cd "$(dirname "$0")/.."
