@@ -1,6 +1,6 @@
 // openObject keeps the mailbox it mapped for the next object: whatever happens to the file
 // between two opens, each open sees the file as it is then.
-#include "tests/support/AgentSession.h"
+#include "tests/support/HostWalk.h"
 #include "tests/support/LoadedAgent.h"
 #include "tests/support/TestFiles.h"
 
@@ -23,24 +23,15 @@ protected:
   }
   void TearDown() override { agent.entries().terminateAgent(); }
 
-  // Opens the message of `bytes` at `offset` as a record names it, reads its body, closes it;
-  // the status of the open.
+  // Opens the message of `bytes` at `offset` as a record names it and reads its body; the
+  // status of the open.
   int32_t openAt(uint32_t offset, const std::string &bytes, std::string *body = nullptr) {
-    RecordBuffer record(mailbox, offset, static_cast<uint32_t>(bytes.size()),
-                        referenceChecksum(bytes));
-    const AgentEntryTable &e = agent.entries();
-    AgentHandle object = 0;
-    int32_t time = 0;
-    const int32_t status = e.openObject(&object, record.get(), &time);
-    if (status != StatusOk)
-      return status;
-    char buffer[256];
-    uint32_t got = 0;
-    while (e.readObject(object, buffer, sizeof buffer, &got) == StatusOk)
-      if (body)
-        body->append(buffer, got);
-    e.closeObject(object);
-    return status;
+    KeptRecord record;
+    record.path = mailbox;
+    record.offset = offset;
+    record.length = static_cast<uint32_t>(bytes.size());
+    record.checksum = referenceChecksum(bytes);
+    return reopen(agent.entries(), record, body);
   }
 
   TempDir dir;
