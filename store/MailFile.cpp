@@ -117,8 +117,9 @@ std::unique_ptr<CMailMsg> CMailFile::getNextMsg(uint32_t *offset, uint32_t *leng
   // A mailbox cut short under the scan ends like a mailbox with no further message.
   if (!runGuarded([&] { framed = nextMessage(); }) || framed < 0)
     return nullptr;
-  std::unique_ptr<CMailMsg> message = buildMessage(msgOffset, msgLength);
-  if (!message)
+  // The walk fills a record from the message and drops it: its body is never copied.
+  std::unique_ptr<CMailMsg> message = newMessage();
+  if (message->initRecord(mapBase.get() + msgOffset, msgLength) < 0)
     return nullptr;
   *offset = msgOffset;
   *length = msgLength;

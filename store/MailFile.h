@@ -26,8 +26,9 @@ public:
   // Sets the client's delimiter and opens `path` (an empty path opens nothing). 0, or -1.
   virtual int init(const CString &path) = 0;
 
-  // The next message of the mailbox with its offset and length, or null at the end (or when
-  // a message can't be built: the framing has moved past it all the same).
+  // The next message of the mailbox with its offset and length, as a walk's record needs it
+  // (CMailMsg::initRecord), or null at the end (or when its bytes became unreadable: the
+  // framing has moved past it all the same).
   std::unique_ptr<CMailMsg> getNextMsg(uint32_t *offset, uint32_t *length);
   // The message at a known place, or null when the range is not inside the file.
   std::unique_ptr<CMailMsg> getMsgAt(uint32_t offset, uint32_t length);

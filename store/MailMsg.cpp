@@ -16,8 +16,9 @@ AGENT_LOG_SOURCE(".\\MailMsg");
 
 namespace {
 
-// The five fields in the order they are filled.
-enum Field { kDate, kTo, kFrom, kSubject, kCc, kFieldCount };
+// The five fields; a walk's record, and the lines its messages log, need only the first two.
+enum Field { kDate, kSubject, kTo, kFrom, kCc, kFieldCount };
+constexpr int kRecordFields = 2;
 
 struct FieldSpan {
   int32_t index;
@@ -63,10 +64,20 @@ uint32_t CMailMsg::getHeaderLength(const unsigned char *start, uint32_t length) 
 }
 
 int CMailMsg::init(const unsigned char *start, uint32_t length, const CString &mailboxPath) {
-  const char *const names[kFieldCount] = {hdrDate.GetString(), hdrTo.GetString(),
-                                          hdrFrom.GetString(), hdrSubject.GetString(),
+  return build(start, length, &mailboxPath);
+}
+
+int CMailMsg::initRecord(const unsigned char *start, uint32_t length) {
+  return build(start, length, nullptr);
+}
+
+int CMailMsg::build(const unsigned char *start, uint32_t length, const CString *mailboxPath) {
+  const char *const names[kFieldCount] = {hdrDate.GetString(), hdrSubject.GetString(),
+                                          hdrTo.GetString(), hdrFrom.GetString(),
                                           hdrCc.GetString()};
-  CString *const values[kFieldCount] = {&date, &to, &from, &subject, &cc};
+  CString *const values[kFieldCount] = {&date, &subject, &to, &from, &cc};
+  const bool whole = mailboxPath != nullptr;
+  const int fieldCount = whole ? kFieldCount : kRecordFields;
 
   // The bytes may be a mapping that another process cuts short at any moment: read them in
   // two guarded passes, the first over the header block to measure, the second to copy into
@@ -76,8 +87,8 @@ int CMailMsg::init(const unsigned char *start, uint32_t length, const CString &m
   const bool measured = runGuarded([&] {
     layout.headerLength = getHeaderLength(start, length);
     int32_t indexes[kFieldCount];
-    findFields(names, kFieldCount, start, layout.headerLength, indexes);
-    for (int field = 0; field < kFieldCount; ++field) {
+    findFields(names, fieldCount, start, layout.headerLength, indexes);
+    for (int field = 0; field < fieldCount; ++field) {
       FieldSpan &span = layout.fields[field];
       span.index = indexes[field];
       span.length = fieldValueLength(span.index, start, layout.headerLength);
@@ -88,10 +99,11 @@ int CMailMsg::init(const unsigned char *start, uint32_t length, const CString &m
 
   position = 0;
   const uint32_t headerLength = layout.headerLength;
-  bodyLength = length - headerLength;
+  // A record's message keeps no body: the walk needs only its checksum.
+  bodyLength = whole ? length - headerLength : 0;
 
   AGENT_LOG("Searching for subject as: %s", hdrSubject.GetString());
-  for (int field = 0; field < kFieldCount; ++field)
+  for (int field = 0; field < fieldCount; ++field)
     values[field]->bytes().assign(layout.fields[field].length, '\0');
   if (bodyLength == 0) {
     body.reset();
@@ -104,12 +116,12 @@ int CMailMsg::init(const unsigned char *start, uint32_t length, const CString &m
   uint32_t sum = 0;
   unsigned char *const bodyBytes = body.get();
   const bool copied = runGuarded([&] {
-    for (int field = 0; field < kFieldCount; ++field) {
+    for (int field = 0; field < fieldCount; ++field) {
       const FieldSpan &span = layout.fields[field];
       if (span.length != 0)
         std::memcpy(&values[field]->bytes()[0], start + span.index, span.length);
     }
-    sum = checksumBytes(start, headerLength);
+    sum = checksumBytes(start, whole ? headerLength : length);
     if (bodyLength != 0) {
       const uint32_t bodySum = copyWithChecksum(bodyBytes, start + headerLength, bodyLength);
       sum ^= checksumAt(bodySum, headerLength);
@@ -121,7 +133,8 @@ int CMailMsg::init(const unsigned char *start, uint32_t length, const CString &m
   checksum = sum;
   AGENT_LOG("Subject: %s\n", subject.GetString());
 
-  mailbox = mailboxPath;
+  if (whole)
+    mailbox = *mailboxPath;
   initialised = 1;
   return 0;
 }
