@@ -16,9 +16,9 @@ AGENT_LOG_SOURCE(".\\MailMsg");
 
 namespace {
 
-// The five fields; a walk's record, and the lines its messages log, need only the first two.
+// The five fields. A walk's record needs only the date, and the line its message logs the
+// subject too.
 enum Field { kDate, kSubject, kTo, kFrom, kCc, kFieldCount };
-constexpr int kRecordFields = 2;
 
 struct FieldSpan {
   int32_t index;
@@ -77,7 +77,8 @@ int CMailMsg::build(const unsigned char *start, uint32_t length, const CString *
                                           hdrCc.GetString()};
   CString *const values[kFieldCount] = {&date, &subject, &to, &from, &cc};
   const bool whole = mailboxPath != nullptr;
-  const int fieldCount = whole ? kFieldCount : kRecordFields;
+  const bool logging = logEnabled && logSink;
+  const int fieldCount = whole ? kFieldCount : logging ? kSubject + 1 : kDate + 1;
 
   // The bytes may be a mapping that another process cuts short at any moment: read them in
   // two guarded passes, the first over the header block to measure, the second to copy into

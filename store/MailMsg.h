@@ -24,8 +24,9 @@ public:
   // Builds the message from `length` bytes at `start`. 0, or -1 when the body can't be
   // allocated or the bytes became unreadable (the mailbox was cut short under its mapping).
   int init(const unsigned char *start, uint32_t length, const CString &mailboxPath);
-  // Builds what a walk's record needs and no more: the checksum, the date and the subject
-  // (which the log shows); no body, no other field. 0, or -1 when the bytes became unreadable.
+  // Builds what a walk's record needs and no more: the checksum and the date, and while the
+  // log is on the subject it shows; no body, no other field. 0, or -1 when the bytes became
+  // unreadable.
   int initRecord(const unsigned char *start, uint32_t length);
 
   // Writes the message's property block for the host (see getProperties in MailProps).

@@ -82,6 +82,26 @@ TEST_F(ObjectSearchTest, TwoSearchesRunSideBySide) {
   EXPECT_EQ(StatusOk, e.closeFindObjectHandle(b));
 }
 
+// A walk's messages keep only what its records need, but with the log on they still log the
+// subject they read.
+TEST(SearchLog, AWalkLogsEachMessagesSubject) {
+  TempDir dir;
+  setenv("TUK_REGISTRY", dir.file("registry.reg").c_str(), 1);
+  writeFile(dir.file("mail/In.mbx"), message("one") + message("two"));
+  writeFile(dir.file("mail/In.toc"), "");
+  ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString(dir.file("mail").c_str())));
+  LoadedAgent agent;
+  CapturedLog::lines().clear();
+  agent.init(kKey, "EN", CapturedLog::sink);
+  const AgentEntryTable &e = agent.entries();
+  e.setLogFlag(1);
+  EXPECT_EQ(2u, walkRecords(e).records.size());
+  e.setLogFlag(0);
+  EXPECT_TRUE(CapturedLog::contains(".\\MailMsg|Subject: one"));
+  EXPECT_TRUE(CapturedLog::contains(".\\MailMsg|Subject: two"));
+  e.terminateAgent();
+}
+
 TEST_F(ObjectSearchTest, StoresThatGiveNoObject) {
   const AgentEntryTable &e = agent.entries();
   AgentHandle search = 42;
