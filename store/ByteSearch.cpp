@@ -117,30 +117,29 @@ unsigned firstBit(unsigned mask) {
   return static_cast<unsigned>(__builtin_ctz(mask));
 }
 
-// Both vector searches take the candidates p .. p + 63 (AVX2) or p + 31 (SSE2) a step. The
-// rare byte is tested first; only a step where it stands loads the other byte's places. The
-// few candidates left at the end go one by one.
+// Both vector searches take the candidates p .. p + 63 (AVX2) or p + 31 (SSE2) a step and
+// test both bytes of each at once: a rare byte of text ('?' in a question, '@' in an address)
+// stands in every other step, and a test that branched on it first would guess wrong there.
+// The few candidates left at the end go one by one.
+__attribute__((target("avx2"), always_inline)) inline __m256i load(const unsigned char *at) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(at));
+}
+
 __attribute__((target("avx2"))) uint32_t findPairAvx2(const unsigned char *bytes, uint32_t p,
                                                       uint32_t last, const BytePair &pair) {
   const __m256i rares = _mm256_set1_epi8(static_cast<char>(pair.rareByte));
   const __m256i others = _mm256_set1_epi8(static_cast<char>(pair.otherByte));
   while (last - p >= 63) {
     const unsigned char *rare = bytes + p + pair.rare;
-    const __m256i rareLow =
-        _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(rare)), rares);
-    const __m256i rareHigh =
-        _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(rare + 32)), rares);
-    if (!_mm256_testz_si256(_mm256_or_si256(rareLow, rareHigh), _mm256_set1_epi8(-1))) {
-      const unsigned char *other = bytes + p + pair.other;
-      const unsigned low = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_and_si256(
-          rareLow, _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(other)),
-                                     others))));
-      const unsigned high = static_cast<unsigned>(_mm256_movemask_epi8(_mm256_and_si256(
-          rareHigh,
-          _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(other + 32)),
-                            others))));
-      if ((low | high) != 0)
-        return p + (low != 0 ? firstBit(low) : 32 + firstBit(high));
+    const unsigned char *other = bytes + p + pair.other;
+    const __m256i low = _mm256_and_si256(_mm256_cmpeq_epi8(load(rare), rares),
+                                         _mm256_cmpeq_epi8(load(other), others));
+    const __m256i high = _mm256_and_si256(_mm256_cmpeq_epi8(load(rare + 32), rares),
+                                          _mm256_cmpeq_epi8(load(other + 32), others));
+    if (!_mm256_testz_si256(_mm256_or_si256(low, high), _mm256_set1_epi8(-1))) {
+      const auto lowMask = static_cast<unsigned>(_mm256_movemask_epi8(low));
+      const auto highMask = static_cast<unsigned>(_mm256_movemask_epi8(high));
+      return p + (lowMask != 0 ? firstBit(lowMask) : 32 + firstBit(highMask));
     }
     p += 64; // at most last + 1
     if (p > last)
@@ -152,23 +151,18 @@ __attribute__((target("avx2"))) uint32_t findPairAvx2(const unsigned char *bytes
 uint32_t findPairSse2(const unsigned char *bytes, uint32_t p, uint32_t last, const BytePair &pair) {
   const __m128i rares = _mm_set1_epi8(static_cast<char>(pair.rareByte));
   const __m128i others = _mm_set1_epi8(static_cast<char>(pair.otherByte));
+  const auto load = [](const unsigned char *at) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
+  };
   while (last - p >= 31) {
     const unsigned char *rare = bytes + p + pair.rare;
-    const __m128i rareLow =
-        _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(rare)), rares);
-    const __m128i rareHigh =
-        _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(rare + 16)), rares);
-    if (_mm_movemask_epi8(_mm_or_si128(rareLow, rareHigh)) != 0) {
-      const unsigned char *other = bytes + p + pair.other;
-      const unsigned low = static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(
-          rareLow,
-          _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(other)), others))));
-      const unsigned high = static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(
-          rareHigh,
-          _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(other + 16)), others))));
-      if ((low | high) != 0)
-        return p + (low != 0 ? firstBit(low) : 16 + firstBit(high));
-    }
+    const unsigned char *other = bytes + p + pair.other;
+    const auto low = static_cast<unsigned>(_mm_movemask_epi8(
+        _mm_and_si128(_mm_cmpeq_epi8(load(rare), rares), _mm_cmpeq_epi8(load(other), others))));
+    const auto high = static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(
+        _mm_cmpeq_epi8(load(rare + 16), rares), _mm_cmpeq_epi8(load(other + 16), others))));
+    if ((low | high) != 0)
+      return p + (low != 0 ? firstBit(low) : 16 + firstBit(high));
     p += 32;
     if (p > last)
       return kByteNotFound;
