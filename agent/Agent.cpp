@@ -4,10 +4,10 @@
 #include "agent/Log.h"
 #include "cmn/Registry.h"
 #include "settings/PropPage.h"
+#include "store/LocalTime.h"
 #include "store/MailFile.h"
 #include "store/MailInd.h"
 #include "store/MailMsg.h"
-#include "store/LocalTime.h"
 #include "store/MailProps.h"
 
 #include <ctime>

@@ -61,23 +61,23 @@ int CMailFile::mapFile(const CString &name) {
     fileHandle.reset();
     return -1;
   }
+  mappedFileKnown = GetFileInformationByHandle(fileHandle.get(), &mappedFile) != FALSE;
   return 0;
 }
 
 bool CMailFile::mapsFileNow(const CString &name) const {
-  if (!isOpen() || name != fileName)
+  if (!isOpen() || !mappedFileKnown || name != fileName)
     return false;
   // Writes in place show through the shared view. A file replaced under the name (a client
   // that compacts a mailbox writes a new one) or grown or cut since is another file.
   const ScopedHandle current(CreateFileA(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                          nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  BY_HANDLE_FILE_INFORMATION mapped, now;
-  if (!current.valid() || !GetFileInformationByHandle(fileHandle.get(), &mapped) ||
-      !GetFileInformationByHandle(current.get(), &now))
+  BY_HANDLE_FILE_INFORMATION now;
+  if (!current.valid() || !GetFileInformationByHandle(current.get(), &now))
     return false;
-  return now.dwVolumeSerialNumber == mapped.dwVolumeSerialNumber &&
-         now.nFileIndexHigh == mapped.nFileIndexHigh &&
-         now.nFileIndexLow == mapped.nFileIndexLow && now.nFileSizeHigh == 0 &&
+  return now.dwVolumeSerialNumber == mappedFile.dwVolumeSerialNumber &&
+         now.nFileIndexHigh == mappedFile.nFileIndexHigh &&
+         now.nFileIndexLow == mappedFile.nFileIndexLow && now.nFileSizeHigh == 0 &&
          now.nFileSizeLow == fileSize;
 }
 
@@ -85,6 +85,7 @@ void CMailFile::unmapFile() {
   mapBase.reset();
   mappingHandle.reset();
   fileHandle.reset();
+  mappedFileKnown = false;
 }
 
 std::unique_ptr<CMailMsg> CMailFile::buildMessage(uint32_t offset, uint32_t length) {

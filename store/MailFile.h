@@ -57,6 +57,10 @@ public:
   MallocPtr<unsigned char> delimiter;
   uint32_t delimiterLength = 0;
   BytePair delimiterPair; // the two bytes of the delimiter that the scan looks for
+  // What named the mapped file when it was mapped; mappedFileKnown is false when that could
+  // not be had, and the mapping is then never taken for the file under its name.
+  BY_HANDLE_FILE_INFORMATION mappedFile{};
+  bool mappedFileKnown = false;
 
 protected:
   // Called when the object has mapped another mailbox (or none), for scans that keep state.
