@@ -12,8 +12,23 @@ AGENT_LOG_SOURCE(".\\MAILDATE");
 
 namespace {
 
-CString monthNames[12];
-bool monthNamesLoaded = false;
+// The month names of the string table, and for each byte the months whose name starts with
+// it, so that one pass over a text finds every name in it.
+struct MonthNames {
+  CString names[12];
+  uint16_t startingWith[256] = {};
+  bool loaded = false;
+
+  void load() {
+    for (int m = 0; m < 12; ++m) {
+      names[m].LoadString(IDS_MONTH_FIRST + m);
+      if (!names[m].IsEmpty())
+        startingWith[static_cast<unsigned char>(names[m][0])] |= static_cast<uint16_t>(1u << m);
+    }
+    loaded = true;
+  }
+};
+MonthNames months;
 
 bool isDigit(char ch) { return ch >= '0' && ch <= '9'; }
 
@@ -39,11 +54,8 @@ int32_t toInt(const char *p, const char *end) {
 
 CMailDate::CMailDate(const CString &text) : text_(text) {
   AGENT_LOG("CMailDate constructor: %s", text.GetString());
-  if (!monthNamesLoaded) {
-    for (int m = 0; m < 12; ++m)
-      monthNames[m].LoadString(IDS_MONTH_FIRST + m);
-    monthNamesLoaded = true;
-  }
+  if (!months.loaded)
+    months.load();
   if (tokenise() == 0) {
     valid = 0;
     return;
@@ -58,29 +70,22 @@ CMailDate::CMailDate(const CString &text) : text_(text) {
 }
 
 int CMailDate::tokenise() {
+  const char *const text = text_.GetString();
   const int length = text_.GetLength();
   tokenCount_ = 0;
-  for (int i = 0; i < length && tokenCount_ < kMaxTokens; ++i) {
-    if (text_[i] != ' ' && (i == 0 || text_[i - 1] == ' '))
-      tokens_[tokenCount_++] = i;
+  int i = 0;
+  while (tokenCount_ < kMaxTokens) {
+    while (i < length && text[i] == ' ')
+      ++i;
+    if (i == length)
+      break;
+    tokens_[tokenCount_] = i;
+    while (i < length && text[i] != ' ')
+      ++i;
+    tokenEnds_[tokenCount_++] = i;
   }
   tokens_[tokenCount_] = length;
   return tokenCount_;
-}
-
-// The first blank at or behind `from`, or -1.
-int CMailDate::findBlank(int from) const {
-  const int length = text_.GetLength();
-  if (from >= length)
-    return -1;
-  const char *text = text_.GetString();
-  const void *blank = std::memchr(text + from, ' ', static_cast<size_t>(length - from));
-  return blank ? static_cast<int>(static_cast<const char *>(blank) - text) : -1;
-}
-
-int CMailDate::tokenLength(int token) const {
-  const int blank = findBlank(tokens_[token]);
-  return (blank < 0 ? text_.GetLength() : blank) - tokens_[token];
 }
 
 int CMailDate::parseTime() {
@@ -91,8 +96,8 @@ int CMailDate::parseTime() {
   const int length = text_.GetLength();
   int start = 0, end = 0, colon = -1;
   for (int token = 0; token < tokenCount_ && colon < 0; ++token) {
-    const int blank = findBlank(tokens_[token]);
-    if (blank < 0 || blank >= tokens_[token + 1])
+    const int blank = tokenEnds_[token];
+    if (blank == length)
       continue;
     start = end = blank + 1;
     while (end < length && text[end] != ' ' && text[end] != '\0')
@@ -125,14 +130,27 @@ int CMailDate::parseDay() {
 }
 
 int CMailDate::parseMonth() {
-  // The calendar decides between two names in one text, not their order in it.
-  for (int m = 0; m < 12; ++m) {
-    if (!monthNames[m].IsEmpty() && text_.Find(monthNames[m]) >= 0) {
-      month = m;
-      return 1;
+  // The calendar decides between two names in one text, not their order in it: the first
+  // month whose name stands anywhere in the text.
+  const unsigned char *const text = reinterpret_cast<const unsigned char *>(text_.GetString());
+  const int length = text_.GetLength();
+  int found = 12;
+  for (int i = 0; i < length && found != 0; ++i) {
+    for (unsigned starting = months.startingWith[text[i]]; starting != 0;
+         starting &= starting - 1) {
+      const int m = __builtin_ctz(starting);
+      if (m >= found)
+        break;
+      const CString &name = months.names[m];
+      if (name.GetLength() <= length - i &&
+          std::memcmp(text + i, name.GetString(), static_cast<size_t>(name.GetLength())) == 0)
+        found = m;
     }
   }
-  return 0;
+  if (found == 12)
+    return 0;
+  month = found;
+  return 1;
 }
 
 int CMailDate::parseYear() {

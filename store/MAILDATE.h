@@ -31,12 +31,13 @@ private:
   int parseDay();
   int parseMonth();
   int parseYear();
-  int tokenLength(int token) const;
-  int findBlank(int from) const;
+  int tokenLength(int token) const { return tokenEnds_[token] - tokens_[token]; }
 
   // The text is read only while the constructor runs.
   const CString &text_;
   int32_t tokens_[kMaxTokens + 1] = {};
+  // Where each token ends: its first blank, or the text's end.
+  int32_t tokenEnds_[kMaxTokens] = {};
   int tokenCount_ = 0;
 
   int32_t hour = 0;
