@@ -252,6 +252,12 @@ uint32_t findRepeatedLineEnd(const unsigned char *bytes, uint32_t from, uint32_t
   return findRepeatedLineEndOneByOne(bytes, from, end);
 }
 
+namespace {
+
+uint32_t distance(uint32_t a, uint32_t b) { return a > b ? a - b : b - a; }
+
+} // namespace
+
 BytePair rarestPair(const unsigned char *pattern, uint32_t length) {
   BytePair pair;
   if (length == 0)
@@ -274,7 +280,11 @@ BytePair rarestPair(const unsigned char *pattern, uint32_t length) {
     if (newValue != otherNewValue) {
       if (newValue)
         other = i;
-    } else if (commonness(pattern[i]) < commonness(pattern[other])) {
+    } else if (commonness(pattern[i]) < commonness(pattern[other]) ||
+               (commonness(pattern[i]) == commonness(pattern[other]) &&
+                distance(i, rarest) > distance(other, rarest))) {
+      // Of bytes as common, the farthest: neighbouring bytes go together in words ("Fr" of
+      // "From" starts "Friday" and "Free"), bytes further apart much less.
       other = i;
     }
   }

@@ -11,8 +11,9 @@ constexpr uint32_t kByteNotFound = UINT32_MAX;
 // Two bytes of a pattern that a scan looks for together before it compares the whole: the
 // byte that mail text holds least often (by a fixed ranking of byte values: control bytes,
 // then rare punctuation, ... then lower-case letters and blanks) and the rarest byte of
-// another value (or, where all bytes are alike, of another place). Together they stand in
-// text at few places that are not the pattern, in base64 at none.
+// another value, the farthest of equally rare ones (or, where all bytes are alike, of another
+// place). Together they stand in text at few places that are not the pattern, in base64 at
+// none.
 struct BytePair {
   uint32_t rare = 0;  // index in the pattern of the rarest byte
   uint32_t other = 0; // index of the second byte (the same for a pattern of one byte)
