@@ -57,6 +57,7 @@ int CNetscapeMailFile::init(const CString &path) {
 void CNetscapeMailFile::mailboxChanged() {
   searchedFrom_ = 0;
   lineFeedAt_ = 0;
+  delimiterLineAt_ = kNoDelimiterLine;
 }
 
 uint32_t CNetscapeMailFile::findLineFeed(uint32_t from) {
@@ -89,7 +90,7 @@ bool CNetscapeMailFile::isDelimiterLine(uint32_t pos, uint32_t lineFeed) {
     logged[loggedLength] = 0;
     AGENT_LOG("sBuf: %s", logged);
   }
-  ScanFields fields = {};
+  ScanFields fields;
   const bool counted = scanFormat(format, line, line + lineLength, fields) == 8;
   AGENT_LOG("From %s %s %s %d %d:%d:%d %d", fields.words[0], fields.words[1], fields.words[2],
             fields.numbers[0], fields.numbers[1], fields.numbers[2], fields.numbers[3],
@@ -124,10 +125,12 @@ int CNetscapeMailFile::nextMessage() {
       continue;
     }
     const uint32_t lineFeed = findLineFeed(pos + kQuickTestLength);
-    if (lineFeed == fileSize || !isDelimiterLine(pos, lineFeed)) {
+    if (lineFeed == fileSize ||
+        !(pos == delimiterLineAt_ || isDelimiterLine(pos, lineFeed))) {
       ++pos;
       continue;
     }
+    delimiterLineAt_ = pos;
     if (pos != msgOffset) {
       end = pos; // the delimiter line of the next message
       break;

@@ -24,6 +24,10 @@ private:
   // only moves forward, so with this every byte is searched once.
   uint32_t searchedFrom_ = 0;
   uint32_t lineFeedAt_ = 0;
+  // The last line read as a delimiter line: the one that ends a message starts the next, and
+  // is parsed once for both.
+  uint32_t delimiterLineAt_ = kNoDelimiterLine;
+  static constexpr uint32_t kNoDelimiterLine = UINT32_MAX;
 };
 
 class CNetscapeMailIndex : public CClientMailIndex<CNetscapeMailFile> {};

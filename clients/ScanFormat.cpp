@@ -10,81 +10,78 @@ bool isSpace(unsigned char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r');
 
 bool isDigit(unsigned char ch) { return ch >= '0' && ch <= '9'; }
 
-// The input, ended by `end` or by a zero byte, as a zero ends the C string that sscanf
-// reads. The zero is met as the reader comes to it: a parse that stops early never looks at
-// the rest of a long line.
-class Input {
-public:
-  Input(const unsigned char *begin, const unsigned char *end) : at_(begin), end_(end) {}
-  bool atEnd() const { return at_ == end_ || *at_ == 0; }
-  unsigned char peek() const { return *at_; }
-  void next() { ++at_; }
-  void skipSpace() {
-    while (!atEnd() && isSpace(peek()))
-      next();
-  }
-
-private:
-  const unsigned char *at_;
-  const unsigned char *end_;
-};
+// What ends a word: white space, or a zero byte, which ends the input as it ends the C string
+// that sscanf reads.
+bool endsWord(unsigned char ch) { return ch == 0 || isSpace(ch); }
 
 } // namespace
 
 int scanFormat(const char *format, const unsigned char *begin, const unsigned char *end,
                ScanFields &fields) {
-  Input input(begin, end);
+  for (char *word : fields.words)
+    word[0] = 0;
+  for (int32_t &number : fields.numbers)
+    number = 0;
+  // The input ends at `end` or at a zero byte. The zero is met as the reader comes to it: a
+  // parse that stops early never looks at the rest of a long line.
+  const unsigned char *at = begin;
+  const auto atEnd = [&] { return at == end || *at == 0; };
   int conversions = 0;
   int words = 0;
   int numbers = 0;
   // sscanf gives EOF for an input failure ahead of the first conversion.
-  auto inputFailure = [&] { return conversions == 0 ? -1 : conversions; };
+  const auto inputFailure = [&] { return conversions == 0 ? -1 : conversions; };
 
   for (const char *f = format; *f; ++f) {
     const unsigned char directive = static_cast<unsigned char>(*f);
     if (isSpace(directive)) {
-      input.skipSpace();
+      while (at != end && isSpace(*at))
+        ++at;
       continue;
     }
     if (directive != '%' || f[1] == '%') {
       if (directive == '%')
         ++f;
-      if (input.atEnd())
+      if (atEnd())
         return inputFailure();
-      if (input.peek() != static_cast<unsigned char>(*f))
+      if (*at != static_cast<unsigned char>(*f))
         return conversions;
-      input.next();
+      ++at;
       continue;
     }
     const char conversion = *++f;
-    input.skipSpace();
-    if (input.atEnd())
+    while (at != end && isSpace(*at))
+      ++at;
+    if (atEnd())
       return inputFailure();
     if (conversion == 's') {
-      char word[kMaxScanWord];
-      size_t length = 0;
-      while (!input.atEnd() && !isSpace(input.peek())) {
-        if (length + 1 == kMaxScanWord)
-          return conversions;  // it would not fit its field: no conversion
-        word[length++] = static_cast<char>(input.peek());
-        input.next();
+      // A word fills its field with its terminator: one of kMaxScanWord characters or more
+      // would not fit, and fails its conversion.
+      const unsigned char *const start = at;
+      const size_t room = kMaxScanWord - 1;
+      const unsigned char *const limit = static_cast<size_t>(end - at) > room ? at + room : end;
+      while (at != limit && !endsWord(*at))
+        ++at;
+      if (at != end && !endsWord(*at))
+        return conversions;
+      if (words < 3) {
+        const auto length = static_cast<size_t>(at - start);
+        std::memcpy(fields.words[words], start, length);
+        fields.words[words][length] = 0;
       }
-      word[length] = 0;
-      if (words < 3)
-        std::memcpy(fields.words[words], word, length + 1);
       ++words;
       ++conversions;
     } else if (conversion == 'd') {
       bool negative = false;
-      if (input.peek() == '+' || input.peek() == '-') {
-        negative = input.peek() == '-';
-        input.next();
+      if (*at == '+' || *at == '-') {
+        negative = *at == '-';
+        ++at;
       }
-      if (input.atEnd() || !isDigit(input.peek()))
+      if (at == end || !isDigit(*at))
         return conversions;
       int64_t value = 0;
-      for (; !input.atEnd() && isDigit(input.peek()); input.next())
-        value = value > INT32_MAX ? value : value * 10 + (input.peek() - '0');
+      for (; at != end && isDigit(*at); ++at)
+        value = value > INT32_MAX ? value : value * 10 + (*at - '0');
       value = negative ? -value : value;
       if (numbers < 5)
         fields.numbers[numbers] = value > INT32_MAX   ? INT32_MAX

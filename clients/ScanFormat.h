@@ -17,6 +17,7 @@ struct ScanFields {
 };
 
 // The number of conversions made, as sscanf counts them (-1 when the input ends before the
-// first conversion). Words beyond three or numbers beyond five are read and not stored.
+// first conversion). Words beyond three or numbers beyond five are read and not stored; the
+// fields no conversion filled are left empty and zero.
 int scanFormat(const char *format, const unsigned char *begin, const unsigned char *end,
                ScanFields &fields);
