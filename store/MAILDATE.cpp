@@ -71,21 +71,22 @@ CMailDate::CMailDate(const CString &text) : text_(text) {
 
 int CMailDate::tokenise() {
   const char *const text = text_.GetString();
-  const int length = text_.GetLength();
-  tokenCount_ = 0;
-  int i = 0;
-  while (tokenCount_ < kMaxTokens) {
-    while (i < length && text[i] == ' ')
-      ++i;
-    if (i == length)
+  const char *const end = text + text_.GetLength();
+  const char *at = text;
+  int count = 0;
+  while (count < kMaxTokens) {
+    while (at != end && *at == ' ')
+      ++at;
+    if (at == end)
       break;
-    tokens_[tokenCount_] = i;
-    while (i < length && text[i] != ' ')
-      ++i;
-    tokenEnds_[tokenCount_++] = i;
+    tokens_[count] = static_cast<int32_t>(at - text);
+    while (at != end && *at != ' ')
+      ++at;
+    tokenEnds_[count++] = static_cast<int32_t>(at - text);
   }
-  tokens_[tokenCount_] = length;
-  return tokenCount_;
+  tokens_[count] = text_.GetLength();
+  tokenCount_ = count;
+  return count;
 }
 
 int CMailDate::parseTime() {
@@ -132,20 +133,24 @@ int CMailDate::parseDay() {
 int CMailDate::parseMonth() {
   // The calendar decides between two names in one text, not their order in it: the first
   // month whose name stands anywhere in the text.
-  const unsigned char *const text = reinterpret_cast<const unsigned char *>(text_.GetString());
-  const int length = text_.GetLength();
+  const auto *const text = reinterpret_cast<const unsigned char *>(text_.GetString());
+  const auto *const end = text + text_.GetLength();
   int found = 12;
-  for (int i = 0; i < length && found != 0; ++i) {
-    for (unsigned starting = months.startingWith[text[i]]; starting != 0;
-         starting &= starting - 1) {
+  for (const unsigned char *at = text; at != end; ++at) {
+    unsigned starting = months.startingWith[*at];
+    if (starting == 0)
+      continue;
+    for (; starting != 0; starting &= starting - 1) {
       const int m = __builtin_ctz(starting);
       if (m >= found)
         break;
       const CString &name = months.names[m];
-      if (name.GetLength() <= length - i &&
-          std::memcmp(text + i, name.GetString(), static_cast<size_t>(name.GetLength())) == 0)
+      if (name.GetLength() <= end - at &&
+          std::memcmp(at, name.GetString(), static_cast<size_t>(name.GetLength())) == 0)
         found = m;
     }
+    if (found == 0)
+      break;
   }
   if (found == 12)
     return 0;
