@@ -24,24 +24,37 @@ constexpr uint32_t kDaysKept = 16384;
 DayOffset days[kDaysKept];
 uint32_t currentZone = 1;
 
-// The zone's offset from UTC at `when`, in seconds east; false when it can't be had.
-bool offsetAt(time_t when, long &offset) {
-  struct tm local;
-  if (localtime_r(&when, &local) == nullptr)
-    return false;
-  offset = local.tm_gmtoff;
-  return true;
+// The zone's offset at the start of a day, as each examination of the four days around it
+// asks: kept, so that a store whose dates fill most days asks the library once a day.
+struct DayStart {
+  int32_t day;
+  int32_t offset; // seconds east of UTC, or kUnsteady when the library gave none
+  uint32_t zone;  // as in DayOffset
+};
+DayStart starts[kDaysKept];
+
+// The zone's offset from UTC at the start of `day`, in seconds east; kUnsteady when it can't
+// be had.
+int32_t offsetAtStartOf(int32_t day) {
+  DayStart &entry = starts[static_cast<uint32_t>(day) % kDaysKept];
+  if (entry.zone != currentZone || entry.day != day) {
+    const auto when = static_cast<time_t>(int64_t{day} * kDay);
+    struct tm local;
+    entry = {day, kUnsteady, currentZone};
+    if (localtime_r(&when, &local) != nullptr && local.tm_gmtoff > kUnsteady &&
+        local.tm_gmtoff <= INT32_MAX)
+      entry.offset = static_cast<int32_t>(local.tm_gmtoff);
+  }
+  return entry.offset;
 }
 
 DayOffset examine(int32_t day) {
   DayOffset result{day, kUnsteady, currentZone};
-  long first = 0, offset = 0;
-  if (!offsetAt(static_cast<time_t>((int64_t{day} - 1) * kDay), first))
-    return result;
-  for (int64_t next = day; next <= int64_t{day} + 2; ++next)
-    if (!offsetAt(static_cast<time_t>(next * kDay), offset) || offset != first)
+  const int32_t first = offsetAtStartOf(day - 1);
+  for (int32_t next = day; next <= day + 2 && first != kUnsteady; ++next)
+    if (offsetAtStartOf(next) != first)
       return result;
-  result.offset = static_cast<int32_t>(first);
+  result.offset = first;
   return result;
 }
 
@@ -111,6 +124,8 @@ void refreshTimeZone() {
   tzset();
   if (++currentZone == 0) { // after four billion refreshes, the table starts again
     for (DayOffset &entry : days)
+      entry.zone = 0;
+    for (DayStart &entry : starts)
       entry.zone = 0;
     currentZone = 1;
   }
