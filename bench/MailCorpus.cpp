@@ -149,15 +149,39 @@ void MailCorpus::appendWords(std::string &out, unsigned count) {
   }
 }
 
-std::string MailCorpus::randomDate() {
-  static const char *const days[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+namespace {
+
+// The calendar date of a day counted from 1 January 1970 (proleptic Gregorian).
+void civilFromDays(int64_t days, unsigned &year, unsigned &month, unsigned &date) {
+  days += 719468;
+  const int64_t era = days / 146097;
+  const auto dayOfEra = static_cast<unsigned>(days - era * 146097);
+  const unsigned yearOfEra =
+      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const unsigned dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const unsigned shiftedMonth = (5 * dayOfYear + 2) / 153;
+  date = dayOfYear - (153 * shiftedMonth + 2) / 5 + 1;
+  month = shiftedMonth < 10 ? shiftedMonth + 3 : shiftedMonth - 9;
+  year = static_cast<unsigned>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0));
+}
+
+} // namespace
+
+std::string MailCorpus::nextDate() {
+  static const char *const days[] = {"Thu", "Fri", "Sat", "Sun", "Mon", "Tue", "Wed"};
   static const char *const months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                        "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
   static const char *const zones[] = {"-0500", "+0100", "+0000", "-0800", "GMT", "PST"};
-  const char *day = days[random_.below(7)];
-  const char *month = months[random_.below(12)];
-  const unsigned date = 1 + random_.below(28), year = 1995 + random_.below(30);
-  const unsigned hour = random_.below(24), minute = random_.below(60), second = random_.below(60);
+  // Mail is kept in the order it came: two hours apart on average.
+  clock_ += random_.below(4 * 3600);
+  const int64_t dayNumber = static_cast<int64_t>(clock_ / 86400);
+  unsigned year = 0, monthNumber = 0, date = 0;
+  civilFromDays(dayNumber, year, monthNumber, date);
+  const char *day = days[dayNumber % 7]; // 1 January 1970 was a Thursday
+  const char *month = months[monthNumber - 1];
+  const auto secondOfDay = static_cast<unsigned>(clock_ % 86400);
+  const unsigned hour = secondOfDay / 3600, minute = secondOfDay / 60 % 60,
+                 second = secondOfDay % 60;
   char text[64];
   switch (random_.below(4)) {
   case 0:
@@ -181,7 +205,7 @@ std::string MailCorpus::randomDate() {
 }
 
 void MailCorpus::appendHeaders(std::string &out, bool multipart) {
-  const std::string date = randomDate();
+  const std::string date = nextDate();
   const uint64_t number = ++messageNumber_;
   char scratch[160];
   out += "Return-Path: <";

@@ -55,8 +55,8 @@ private:
   void appendFromPool(const LinePool &pool, std::string &out, size_t bytes);
   void appendAddress(std::string &out);
   void appendWords(std::string &out, unsigned count);
-  // A date of the last thirty years in one of the forms of dates().
-  std::string randomDate();
+  // A date a little later than the last, in one of the forms of dates().
+  std::string nextDate();
 
   BenchRandom random_;
   std::string eol_;
@@ -64,4 +64,5 @@ private:
   LinePool fromText_; // text whose lines all start with "From"
   LinePool base64_;
   uint64_t messageNumber_ = 0;
+  uint64_t clock_ = 788918400; // seconds from 1970 to the first date: 1 January 1995
 };
