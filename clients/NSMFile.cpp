@@ -74,7 +74,6 @@ uint32_t CNetscapeMailFile::findLineFeed(uint32_t from) {
 bool CNetscapeMailFile::isDelimiterLine(uint32_t pos, uint32_t lineFeed) {
   const unsigned char *line = mapBase.get() + pos;
   const uint32_t lineLength = lineFeed - pos + 1;
-  const char *const format = reinterpret_cast<const char *>(delimiter.get());
   // With the log off, a short line without the format's colons is refused unparsed: the
   // parse could not read it whole. Most text that starts with "From" ("From: ...", "From what
   // I hear") has at most one. With the log on, every candidate is parsed and logged.
@@ -91,7 +90,9 @@ bool CNetscapeMailFile::isDelimiterLine(uint32_t pos, uint32_t lineFeed) {
     AGENT_LOG("sBuf: %s", logged);
   }
   ScanFields fields;
-  const bool counted = scanFormat(format, line, line + lineLength, fields) == 8;
+  // The delimiter buffer always holds the format's text: it is read into directives once.
+  static const ScanProgram format(kNetscapeDelimiterText);
+  const bool counted = format.scan(line, line + lineLength, fields) == 8;
   AGENT_LOG("From %s %s %s %d %d:%d:%d %d", fields.words[0], fields.words[1], fields.words[2],
             fields.numbers[0], fields.numbers[1], fields.numbers[2], fields.numbers[3],
             fields.numbers[4]);

@@ -16,8 +16,37 @@ bool endsWord(unsigned char ch) { return ch == 0 || isSpace(ch); }
 
 } // namespace
 
-int scanFormat(const char *format, const unsigned char *begin, const unsigned char *end,
-               ScanFields &fields) {
+ScanProgram::ScanProgram(const char *format) {
+  // A run of white space in the format skips what one blank skips.
+  const auto skipSpace = [this] {
+    if (directives_.empty() || directives_.back().step != Step::Space)
+      directives_.push_back({Step::Space, 0});
+  };
+  for (const char *f = format; *f; ++f) {
+    const auto directive = static_cast<unsigned char>(*f);
+    if (isSpace(directive)) {
+      skipSpace();
+    } else if (directive != '%') {
+      directives_.push_back({Step::Character, directive});
+    } else if (f[1] == '%') {
+      // "%%" is a conversion that stores nothing: white space ahead of it is skipped too.
+      skipSpace();
+      directives_.push_back({Step::Character, '%'});
+      ++f;
+    } else {
+      const char conversion = *++f;
+      directives_.push_back({conversion == 's'   ? Step::Word
+                             : conversion == 'd' ? Step::Number
+                                                 : Step::Unknown,
+                             0});
+      if (conversion == 0)
+        break;
+    }
+  }
+}
+
+int ScanProgram::scan(const unsigned char *begin, const unsigned char *end,
+                      ScanFields &fields) const {
   for (char *word : fields.words)
     word[0] = 0;
   for (int32_t &number : fields.numbers)
@@ -26,35 +55,40 @@ int scanFormat(const char *format, const unsigned char *begin, const unsigned ch
   // parse that stops early never looks at the rest of a long line.
   const unsigned char *at = begin;
   const auto atEnd = [&] { return at == end || *at == 0; };
+  const auto skipSpace = [&] {
+    while (at != end && isSpace(*at))
+      ++at;
+  };
   int conversions = 0;
   int words = 0;
   int numbers = 0;
   // sscanf gives EOF for an input failure ahead of the first conversion.
   const auto inputFailure = [&] { return conversions == 0 ? -1 : conversions; };
 
-  for (const char *f = format; *f; ++f) {
-    const unsigned char directive = static_cast<unsigned char>(*f);
-    if (isSpace(directive)) {
-      while (at != end && isSpace(*at))
-        ++at;
+  for (const Directive &directive : directives_) {
+    switch (directive.step) {
+    case Step::Space:
+      skipSpace();
       continue;
-    }
-    if (directive != '%' || f[1] == '%') {
-      if (directive == '%')
-        ++f;
+    case Step::Character:
       if (atEnd())
         return inputFailure();
-      if (*at != static_cast<unsigned char>(*f))
+      if (*at != directive.character)
         return conversions;
       ++at;
       continue;
+    case Step::Unknown:
+      // sscanf skips white space ahead of a conversion, and an input failure comes first.
+      skipSpace();
+      return atEnd() ? inputFailure() : conversions;
+    case Step::Word:
+    case Step::Number:
+      break;
     }
-    const char conversion = *++f;
-    while (at != end && isSpace(*at))
-      ++at;
+    skipSpace();
     if (atEnd())
       return inputFailure();
-    if (conversion == 's') {
+    if (directive.step == Step::Word) {
       // A word fills its field with its terminator: one of kMaxScanWord characters or more
       // would not fit, and fails its conversion.
       const unsigned char *const start = at;
@@ -70,8 +104,7 @@ int scanFormat(const char *format, const unsigned char *begin, const unsigned ch
         fields.words[words][length] = 0;
       }
       ++words;
-      ++conversions;
-    } else if (conversion == 'd') {
+    } else {
       bool negative = false;
       if (*at == '+' || *at == '-') {
         negative = *at == '-';
@@ -88,10 +121,13 @@ int scanFormat(const char *format, const unsigned char *begin, const unsigned ch
                                   : value < INT32_MIN ? INT32_MIN
                                                       : static_cast<int32_t>(value);
       ++numbers;
-      ++conversions;
-    } else {
-      return conversions;  // a directive this reader does not know ends the scan
     }
+    ++conversions;
   }
   return conversions;
+}
+
+int scanFormat(const char *format, const unsigned char *begin, const unsigned char *end,
+               ScanFields &fields) {
+  return ScanProgram(format).scan(begin, end, fields);
 }

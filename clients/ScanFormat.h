@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 constexpr size_t kMaxScanWord = 100;  // a word's field, terminator included
 
@@ -16,8 +17,31 @@ struct ScanFields {
   int32_t numbers[5];
 };
 
-// The number of conversions made, as sscanf counts them (-1 when the input ends before the
-// first conversion). Words beyond three or numbers beyond five are read and not stored; the
-// fields no conversion filled are left empty and zero.
+// A format read once into its directives, for the many lines a scan reads with it.
+class ScanProgram {
+public:
+  explicit ScanProgram(const char *format);
+
+  // The number of conversions made, as sscanf counts them (-1 when the input ends before the
+  // first conversion). Words beyond three or numbers beyond five are read and not stored;
+  // the fields no conversion filled are left empty and zero.
+  int scan(const unsigned char *begin, const unsigned char *end, ScanFields &fields) const;
+
+private:
+  enum class Step : unsigned char {
+    Space,     // any white space, none included
+    Character, // one ordinary character, which the input must show
+    Word,      // %s
+    Number,    // %d
+    Unknown,   // a conversion this reader does not know: the scan ends there
+  };
+  struct Directive {
+    Step step;
+    unsigned char character; // of a Character
+  };
+  std::vector<Directive> directives_;
+};
+
+// The same for a format read once.
 int scanFormat(const char *format, const unsigned char *begin, const unsigned char *end,
                ScanFields &fields);

@@ -130,6 +130,33 @@ TEST(ScanFormat, CountsConversionsAsSscanfDoesWithinItsBounds) {
   EXPECT_EQ(2, scan(std::string("From a b\0 c 1 2:3:4 5\n", 22))); // a zero byte ends the text
 }
 
+// Formats of other shapes: runs of white space, "%%", a conversion next to a literal or
+// another conversion, a format that ends behind a literal. Fields are read into the reader's
+// own sizes, which the random words never reach.
+TEST(ScanFormat, ReadsOtherFormatsAsSscanfDoes) {
+  const std::vector<std::string> formats = {"%d:%d", "x%%y %d", "  %s\t %d", "%s%d z", "%d%%"};
+  std::mt19937 random(5);
+  const std::string alphabet = "xyz %:-19\t\n";
+  for (const std::string &format : formats) {
+    const ScanProgram program(format.c_str());
+    for (int round = 0; round < 3000; ++round) {
+      std::string line;
+      for (size_t i = random() % 12; i > 0; --i)
+        line += alphabet[random() % alphabet.size()];
+      char word[kMaxScanWord];
+      int numbers[2] = {};
+      const bool wordFirst = format.find("%s") != std::string::npos;
+      const int expected =
+          wordFirst ? std::sscanf(line.c_str(), format.c_str(), word, &numbers[0])
+                    : std::sscanf(line.c_str(), format.c_str(), &numbers[0], &numbers[1]);
+      ScanFields fields;
+      const auto *bytes = reinterpret_cast<const unsigned char *>(line.data());
+      ASSERT_EQ(expected, program.scan(bytes, bytes + line.size(), fields))
+          << "format: " << format << " line: " << line;
+    }
+  }
+}
+
 // On lines whose words fit their fields, the reader and sscanf agree.
 TEST(ScanFormat, AgreesWithSscanfOnRandomLines) {
   std::mt19937 random(11);
