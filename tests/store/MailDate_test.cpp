@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+#include <string>
+
 namespace {
 
 struct DateCase {
@@ -12,6 +15,9 @@ struct DateCase {
   bool valid;
   int hour = 0, minute = 0, second = 0, day = 0, month = 0, year = 0;
 };
+
+// A failure names the text; the test's name, its place in the list.
+void PrintTo(const DateCase &c, std::ostream *out) { *out << '"' << c.text << '"'; }
 
 // Month names come from the string table of a live agent.
 class MailDateTest : public ::testing::TestWithParam<DateCase> {
@@ -63,6 +69,9 @@ INSTANTIATE_TEST_SUITE_P(
         // The day token is not looked at, only its length.
         DateCase{"a Jan 1998 10:11:12", true, 10, 11, 12, 0, 0, 98},
         // atoi of huge numbers is clamped, never undefined.
-        DateCase{"Mon 12 Jan 1998 99999999999999:00", true, 2147483647, 0, 0, 12, 0, 98}));
+        DateCase{"Mon 12 Jan 1998 99999999999999:00", true, 2147483647, 0, 0, 12, 0, 98}),
+    [](const ::testing::TestParamInfo<DateCase> &info) {
+      return "text" + std::to_string(info.index);
+    });
 
 } // namespace
