@@ -1,8 +1,12 @@
 // Local calendar time to seconds, without asking the file system each time.
 #include "store/LocalTime.h"
 
+#include <sys/stat.h>
+
 #include <climits>
 #include <cstdint>
+#include <cstdlib>
+#include <string>
 
 namespace {
 
@@ -118,10 +122,50 @@ bool countsLeapSeconds() {
   return zoneCountsLeapSeconds;
 }
 
+// What tzset reads the zone from, as it tells a change: the TZ text, and without it the
+// identity and time of /etc/localtime (glibc reads the file again only when those changed).
+struct ZoneSource {
+  bool set = false;
+  std::string text;
+  dev_t device = 0;
+  ino_t inode = 0;
+  time_t written = 0;
+
+  static ZoneSource now() {
+    ZoneSource source;
+    const char *text = std::getenv("TZ");
+    source.set = text != nullptr;
+    if (source.set) {
+      source.text = text;
+      return source;
+    }
+    struct stat status;
+    if (::stat("/etc/localtime", &status) == 0) {
+      source.device = status.st_dev;
+      source.inode = status.st_ino;
+      source.written = status.st_mtime;
+    }
+    return source;
+  }
+  bool operator==(const ZoneSource &other) const {
+    return set == other.set && text == other.text && device == other.device &&
+           inode == other.inode && written == other.written;
+  }
+};
+ZoneSource lastSource;
+bool sourceKnown = false;
+
 } // namespace
 
 void refreshTimeZone() {
   tzset();
+  // The tables stay good while the zone's source is the one they were filled under: an
+  // object opened after another costs no lookups of the library again.
+  ZoneSource source = ZoneSource::now();
+  if (sourceKnown && source == lastSource)
+    return;
+  lastSource = std::move(source);
+  sourceKnown = true;
   if (++currentZone == 0) { // after four billion refreshes, the table starts again
     for (DayOffset &entry : days)
       entry.zone = 0;

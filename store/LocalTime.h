@@ -9,7 +9,8 @@
 
 #include <ctime>
 
-// Reads the time zone again: the TZ variable and the file it names.
+// Reads the time zone again: the TZ variable and the file it names. What was learned of the
+// zone is kept while neither changed.
 void refreshTimeZone();
 
 // mktime(fields) with fields.tm_isdst taken as -1; -1 where mktime fails.
