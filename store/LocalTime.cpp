@@ -158,10 +158,12 @@ bool sourceKnown = false;
 } // namespace
 
 void refreshTimeZone() {
+  // The source is looked at before the library reads it: a change between the two is then
+  // seen at the next reading, never lost.
+  ZoneSource source = ZoneSource::now();
   tzset();
   // The tables stay good while the zone's source is the one they were filled under: an
   // object opened after another costs no lookups of the library again.
-  ZoneSource source = ZoneSource::now();
   if (sourceKnown && source == lastSource)
     return;
   lastSource = std::move(source);
