@@ -30,7 +30,7 @@ fi
 bin=build/bench/bin
 if [ "$full" = 1 ]; then
   "$bin/kernel_bench" --benchmark_min_time=1
-  "$bin/store_bench" --size 256 --messages 100000 "$@"
+  "$bin/store_bench" --size 256 --messages 100000 --slow-repeat 2 "$@"
 else
   "$bin/kernel_bench" --benchmark_min_time=0.1
   "$bin/store_bench" --size 32 --messages 10000 --repeat 2 "$@"
