@@ -1,0 +1,82 @@
+#include "host/reader/HtmlText.h"
+
+#include "host/reader/Charset.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+std::string textOf(std::string_view html) {
+  std::string out;
+  appendHtmlText(html, out);
+  return out;
+}
+
+std::string repeat(std::string_view piece, size_t times) {
+  std::string s;
+  s.reserve(piece.size() * times);
+  while (times-- > 0)
+    s += piece;
+  return s;
+}
+
+TEST(HtmlText, Conversions) {
+  const struct {
+    const char *html, *text;
+  } cases[] = {
+      {"aard<b>vark</b> and <span><i>ant</i></span>eater", "aardvark and anteater"},
+      {"<html><head><title>T</title><style>p{color:red}</style></head>"
+       "<body>x<script>document.write('<p>y')</script>z</body></html>",
+       "xz"},
+      {"a<!-- <p>b</p> -->c<template><p>d</p></template>e<!--->f<!-->g", "acefg"},
+      {"&nbsp;a&amp;b &uuml;&#x263A;&#150;&#0;&lt&notit; &bogus; &#; "
+       "&CounterClockwiseContourIntegral;",
+       "a&b \xC3\xBC\xE2\x98\xBA\xE2\x80\x93\xEF\xBF\xBD<\xC2\xACit; &bogus; &#; \xE2\x88\xB3"},
+      {"  one \n\t two&nbsp;&nbsp; <br>  three  ", "one two\nthree"},
+      {"a<div>b</div>c<p>d<p>e</p><h1>f</h1>g", "a\nb\nc\n\nd\n\ne\n\nf\n\ng"},
+      {"a<br><br><br><br>b<hr>c", "a\n\nb\n\nc"},
+      {"<p>x</p><pre>\n  y  z\n\n\n w\n</pre>v", "x\n\n  y  z\n\n\n w\n\nv"},
+      {"<xmp><b>&amp;</b></xmp><textarea>1 &lt; 2</textarea>", "<b>&amp;</b>\n\n1 < 2"},
+      {"<table><tr><td>a</td><td>b<tr><th>c<td>d</table>after", "a\tb\nc\td\nafter"},
+      {"<table><tr><td>cell</td>moved</table>", "moved\ncell"},
+      {"<ul><li>one<li>two<ol><li>three</ol></ul>", "one\ntwo\nthree"},
+      {"see <img src=a.png alt='the logo'> and <a href=\"http://x.example/\">the site</a>",
+       "see the logo and the site"},
+      {"<p title='a>b' class=c>text</p><p/x>y", "text\n\ny"},
+      {"<plaintext><p>&amp;", "<p>&amp;"},
+      {"a</br>b<unknown>c</unknown>d</p>e", "a\nbcd\n\ne"},
+  };
+  for (const auto &c : cases)
+    EXPECT_EQ(textOf(c.html), c.text) << c.html;
+}
+
+TEST(HtmlText, HostileShapesReturnValidText) {
+  const std::string fiveMegabytes = repeat("words & \xFF\xC3 < ", (5 << 20) / 13);
+  const std::string cases[] = {
+      repeat("<div>", 1000000) + "end",
+      repeat("<b><i>", 500000) + "end",
+      repeat("<table><tr><td>", 300000) + "end",
+      repeat("<div><table></div>", 300000) + "end",
+      repeat("<p><b a=1><b a=2><b a=3></p>x", 200000) + "end",
+      repeat("<ul><li>", 400000) + "end",
+      repeat("<div></div>", 1000000) + "end",
+      "<p><a href='" + fiveMegabytes,
+      "<!--" + fiveMegabytes,
+      "<pre>" + fiveMegabytes,
+      fiveMegabytes + " end",
+  };
+  for (const std::string &html : cases) {
+    const std::string text = textOf(html);
+    EXPECT_EQ(validUtf8Prefix(text), text.size()) << html.substr(0, 40);
+    const auto endsWithEnd = [](const std::string &s) {
+      return s.size() >= 3 && s.compare(s.size() - 3, 3, "end") == 0;
+    };
+    if (endsWithEnd(html)) {
+      EXPECT_TRUE(endsWithEnd(text)) << html.substr(0, 40);
+    }
+  }
+}
+
+} // namespace

@@ -1,0 +1,139 @@
+// Mail that is broken, or built to exhaust the reader: each message must be read to an end,
+// give valid UTF-8 everywhere, and keep whatever text it still holds.
+#include "host/reader/MailReader.h"
+#include "tests/hostile/Watchdog.h"
+#include "tests/support/TestFiles.h"
+
+#include <glib.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr unsigned kBound = 300; // seconds: a hang, not a slow sanitized build
+
+// glib's check, not the reader's own, so that a fault in the latter cannot hide. It refuses
+// NUL too, which none of these messages holds.
+bool isUtf8(const std::string &text) {
+  return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != 0;
+}
+
+void expectReadable(const ReadMessage &message) {
+  for (const std::string *field : {&message.subject, &message.from, &message.to, &message.cc,
+                                   &message.text, &message.attachmentText})
+    EXPECT_TRUE(isUtf8(*field)) << field->substr(0, 200);
+  for (const MailAttachment &attachment : message.attachments)
+    EXPECT_TRUE(isUtf8(attachment.name) && isUtf8(attachment.type)) << attachment.name;
+}
+
+// A whole message split after its first blank line, as a mailbox frames it.
+ReadMessage read(std::string_view whole) {
+  const size_t blank = whole.find("\n\n");
+  const size_t split = blank == std::string_view::npos ? whole.size() : blank + 2;
+  Watchdog watchdog(kBound);
+  ReadMessage message;
+  readMessage(whole.substr(0, split), whole.substr(split), message);
+  expectReadable(message);
+  return message;
+}
+
+std::string repeated(std::string_view unit, size_t times) {
+  std::string bytes;
+  bytes.reserve(unit.size() * times);
+  for (size_t at = 0; at < times; ++at)
+    bytes += unit;
+  return bytes;
+}
+
+struct KeptSample {
+  const char *file;
+  const char *kept; // found in the text, or in the header fields for a header-only sample
+};
+
+TEST(ReaderHostile, SamplesKeepTheTextTheyHold) {
+  const KeptSample samples[] = {
+      {"unclosed-boundary.eml", "The last part never sees its boundary again."},
+      {"unknown-charset.eml", "Caf\xC3\xA9 au lait"},
+      {"truncated-base64.eml", "Decoded text survives the cut"},
+      {"malformed-encoded-words.eml", "euro split across words"},
+      {"no-boundary.eml", "Text of a multipart without a boundary."},
+      // Not broken, but every uuencoded body opens with a line that is not data.
+      {"uuencoded.eml", "Uuencoded text comes out whole."},
+  };
+  for (const KeptSample &sample : samples) {
+    SCOPED_TRACE(sample.file);
+    const ReadMessage message =
+        read(readFile(std::string(TUK_SOURCE_DIR "/tests/reader/cases/") + sample.file));
+    const std::string all = message.subject + message.from + message.to + message.cc +
+                            message.text;
+    EXPECT_NE(all.find(sample.kept), std::string::npos) << all;
+  }
+}
+
+TEST(ReaderHostile, MalformedEncodedWordsLeaveNoControlCharacters) {
+  const ReadMessage message =
+      read(readFile(TUK_SOURCE_DIR "/tests/reader/cases/malformed-encoded-words.eml"));
+  for (const std::string *field : {&message.subject, &message.from, &message.to, &message.cc})
+    for (const char c : *field)
+      EXPECT_FALSE(static_cast<unsigned char>(c) < 0x20 || c == 0x7F) << *field;
+  EXPECT_NE(message.subject.find("plain"), std::string::npos) << message.subject;
+  EXPECT_NE(message.subject.find("end"), std::string::npos) << message.subject;
+}
+
+TEST(ReaderHostile, DeepNestOfMultipartsKeepsItsInnermostText) {
+  constexpr int kDepth = 10000;
+  std::string whole = "From: a@example.com\n";
+  for (int level = 0; level < kDepth; ++level)
+    whole += "Content-Type: multipart/mixed; boundary=\"b" + std::to_string(level) + "\"\n\n--b" +
+             std::to_string(level) + "\n";
+  whole += "Content-Type: text/plain\n\nAt the bottom of the nest.\n";
+  for (int level = kDepth - 1; level >= 0; --level)
+    whole += "--b" + std::to_string(level) + "--\n";
+  const ReadMessage message = read(whole);
+  EXPECT_NE(message.text.find("At the bottom of the nest."), std::string::npos);
+}
+
+// One base64 line of 50 MB, with no line end to stop a reader that buffers lines.
+TEST(ReaderHostile, FiftyMegabyteBase64LineIsDecodedWhole) {
+  const std::string plain = repeated("Fifty megabytes of text on one line. ", 1100000);
+  gchar *const encoded = g_base64_encode(reinterpret_cast<const guchar *>(plain.data()),
+                                         plain.size());
+  const std::string line(encoded);
+  g_free(encoded);
+  ASSERT_GE(line.size(), 50u << 20);
+
+  const std::string mixed = "From: a@example.com\nContent-Type: multipart/mixed; boundary=b\n\n"
+                            "--b\nContent-Type: text/plain\n\nBefore it.\n--b\n";
+  struct Shape {
+    const char *name;
+    std::string head, tail;
+    bool attached;
+  };
+  const Shape shapes[] = {
+      {"the whole body", "Content-Type: text/plain\nContent-Transfer-Encoding: base64\n\n", "",
+       false},
+      {"a text part", mixed + "Content-Type: text/plain\nContent-Transfer-Encoding: base64\n\n",
+       "\n--b--\n", false},
+      {"an attachment",
+       mixed + "Content-Type: application/octet-stream; name=big.bin\n"
+               "Content-Transfer-Encoding: base64\n\n",
+       "\n--b--\n", true},
+  };
+  for (const Shape &shape : shapes) {
+    SCOPED_TRACE(shape.name);
+    const ReadMessage message = read(shape.head + line + shape.tail);
+    if (shape.attached) {
+      ASSERT_EQ(message.attachments.size(), 1u);
+      EXPECT_EQ(message.attachments[0].size, plain.size());
+      EXPECT_NE(message.text.find("Before it."), std::string::npos);
+      EXPECT_LT(message.text.size(), 100u);
+    } else {
+      // No EXPECT_EQ: a failure must not print 40 MB.
+      EXPECT_NE(message.text.find(plain), std::string::npos) << message.text.size();
+    }
+  }
+}
+
+} // namespace
