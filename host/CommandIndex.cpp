@@ -28,22 +28,24 @@ void printStats(const IndexSummary &summary) {
   else
     std::printf("walk: %llu objects\n", static_cast<unsigned long long>(summary.walkedObjects));
   for (const MailboxReport &mailbox : summary.mailboxes)
-    std::printf("read %s: %llu new, %llu unchanged, %llu removed, %llu unreadable\n",
+    std::printf("read %s: %llu new, %llu unchanged, %llu removed, %llu unreadable, %llu raw\n",
                 mailbox.path.c_str(), static_cast<unsigned long long>(mailbox.added),
                 static_cast<unsigned long long>(mailbox.unchanged),
                 static_cast<unsigned long long>(mailbox.removed),
-                static_cast<unsigned long long>(mailbox.failed));
+                static_cast<unsigned long long>(mailbox.failed),
+                static_cast<unsigned long long>(mailbox.raw));
 }
 
 void printSummary(const IndexSummary &summary, double seconds) {
   const double megabytes = static_cast<double>(summary.bytes) / 1e6;
   const uint64_t mailboxes = summary.mailboxesRead + summary.mailboxesUnchanged;
-  std::printf("indexed: %llu new, %llu unchanged, %llu removed, %llu unreadable; %llu of %llu "
-              "mailboxes read; %llu bytes in %.3f s, %.2f MB/s\n",
+  std::printf("indexed: %llu new, %llu unchanged, %llu removed, %llu unreadable, %llu raw; %llu "
+              "of %llu mailboxes read; %llu bytes in %.3f s, %.2f MB/s\n",
               static_cast<unsigned long long>(summary.added),
               static_cast<unsigned long long>(summary.unchanged),
               static_cast<unsigned long long>(summary.removed),
               static_cast<unsigned long long>(summary.failed),
+              static_cast<unsigned long long>(summary.raw),
               static_cast<unsigned long long>(summary.mailboxesRead),
               static_cast<unsigned long long>(mailboxes),
               static_cast<unsigned long long>(summary.bytes), seconds,
@@ -74,7 +76,8 @@ int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &set
     ProgressBar progress(!settings.log); // the log's lines would tear the bar
     const int64_t agentId = db.agentId(agentKey);
     if (agentId != 0)
-      updateIndex(agent->entries(), db, agentId, tree, progress, summary);
+      updateIndex(agent->entries(), framingOfKey(agentKey), db, agentId, tree, progress,
+                  summary);
   }
   if (!db.ok() || !db.commit()) {
     const std::string reason = db.errorText();

@@ -39,16 +39,17 @@ bool readLimit(const std::string &text, int64_t &limit) {
 
 void printHit(const SearchHit &hit) {
   std::printf("%lld  %s  %s  %s\n    %s\n", static_cast<long long>(hit.id),
-              formatTime(hit.time).c_str(), oneLine(hit.from).c_str(), oneLine(hit.subject).c_str(),
+              formatDate(hit.hasDate, hit.date).c_str(), oneLine(hit.from).c_str(), oneLine(hit.subject).c_str(),
               oneLine(hit.snippet).c_str());
 }
 
 void printJsonHit(const SearchHit &hit) {
+  const std::string date = hit.hasDate ? std::to_string(hit.date) : "null";
   std::printf("{\"id\":%lld,\"path\":%s,\"offset\":%lu,\"length\":%lu,\"time\":%ld,"
-              "\"from\":%s,\"subject\":%s,\"snippet\":%s}\n",
+              "\"date\":%s,\"from\":%s,\"subject\":%s,\"snippet\":%s}\n",
               static_cast<long long>(hit.id), jsonString(hit.path).c_str(),
               static_cast<unsigned long>(hit.offset), static_cast<unsigned long>(hit.length),
-              static_cast<long>(hit.time), jsonString(hit.from).c_str(),
+              static_cast<long>(hit.time), date.c_str(), jsonString(hit.from).c_str(),
               jsonString(hit.subject).c_str(), jsonString(oneLine(hit.snippet)).c_str());
 }
 
@@ -64,6 +65,7 @@ int runSearch(const CommandLine &line, const HostSettings &settings) {
     return reportUsageError("search", "--since wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
   if (line.has("until") && !parseDateArgument(line.value("until"), true, query.until))
     return reportUsageError("search", "--until wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
+  query.dated = line.has("since") || line.has("until");
   const bool json = line.has("json");
   if (!json && standardOutputIsTerminal()) {
     query.markStart = "\033[1m";

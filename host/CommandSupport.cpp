@@ -66,6 +66,7 @@ int loadIndexedHit(const std::string &command, const CommandLine &line,
     return reportError(db->ok() ? "the index holds no message " + id : db->errorText());
   if (!hit.record.assign(indexed.record.data(), indexed.record.size()))
     return reportError("the record of message " + id + " is damaged");
+  hit.agentKey = indexed.agentKey;
   hit.agent = loadAgent(settings, indexed.agentKey, error);
   if (!hit.agent)
     return reportError(error);

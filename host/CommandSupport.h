@@ -25,6 +25,7 @@ bool parseObjectId(const std::string &text, int64_t &id);
 // A hit of the index, ready to be opened: its stored record and the agent of its store.
 struct IndexedHit {
   int64_t id = 0;
+  std::string agentKey;
   RecordBuffer record;
   std::unique_ptr<AgentLibrary> agent;
 };

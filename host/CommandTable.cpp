@@ -72,14 +72,16 @@ run reads again only the mailboxes that changed, and drops messages that are gon
     {"search",
      "QUERY [--limit N] [--since DATE] [--until DATE] [--json]",
      R"(Searches the index, best hits first (bm25), each with its id, date, sender, subject and
-a snippet. QUERY is FTS5 query syntax: words, "a phrase", AND, OR, NOT, prefix*, and the
+a snippet, decoded as a mail reader shows them. QUERY is FTS5 query syntax: words, "a phrase", AND, OR, NOT, prefix*, and the
 columns subject:, from:, to:, cc: and body:, e.g.  from:ann subject:report
 Put words with punctuation in double quotes: from:"ann@example.org".
   --limit N       at most N hits (default 20)
-  --since DATE    from DATE on (YYYY-MM-DD or "YYYY-MM-DD HH:MM[:SS]", local time)
+  --since DATE    from DATE on (YYYY-MM-DD or "YYYY-MM-DD HH:MM[:SS]", local time), on
+                  the messages' true dates; a message without a date is left out
   --until DATE    up to DATE (a bare date includes its whole day)
-  --json          one JSON object per line: id, path, offset, length, time, from,
-                  subject, snippet
+  --json          one JSON object per line: id, path, offset, length, time (the
+                  agent's), date (UTC seconds or null), from, subject, snippet
+QUERY also searches the names of attachments with the column attachment:.
 With --client or --key only that store's messages are searched.
 )",
      {"limit", "since", "until", "json"},
@@ -98,10 +100,13 @@ terminal; Enter closes it. If the message changed since it was indexed, the agen
      false,
      runShow},
     {"cat",
-     "ID",
-     R"(Writes the body of the message of a search hit, as the agent reads it from the mailbox.
+     "ID [--raw]",
+     R"(Writes the message of a search hit as a mail reader shows it: its From, To, Cc, Date and
+Subject decoded, the text of its text parts (HTML as text), then a line for each attachment
+with its name, type and size.
+  --raw   the body as the agent reads it from the mailbox, byte for byte
 )",
-     {},
+     {"raw"},
      1,
      1,
      false,

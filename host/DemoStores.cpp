@@ -16,6 +16,7 @@ struct DemoMessage {
   const char *cc;
   const char *subject;
   const char *body; // lines ended by '\n'
+  const char *contentType = nullptr; // of a MIME message, whose body holds its parts
 };
 
 const DemoMessage kEudoraInbox[] = {
@@ -57,6 +58,21 @@ const DemoMessage kNetscapeInbox[] = {
      "The photos from the mountain trip are online.\n>From the top the view was clear.\n"},
     {"Mon, 9 Feb 1998 07:30:00 -0800", "Bob Stone <bob@example.org>", "ann@example.org",
      "gina@example.org", "Final quarterly report", "Here is the final report. Thanks all.\n"},
+    // What a reader decodes: encoded words, quoted-printable UTF-8, HTML beside the plain
+    // text, and an attachment with an RFC 2231 name.
+    {"Tue, 10 Feb 1998 09:15:00 +0100", "=?ISO-8859-1?Q?J=F6rg_M=FCller?= <joerg@example.de>",
+     "ann@example.org", "", "=?UTF-8?Q?Gr=C3=BC=C3=9Fe_vom_Gipfel?=",
+     "--outer\nContent-Type: multipart/alternative; boundary=alt\n\n"
+     "--alt\nContent-Type: text/plain; charset=UTF-8\nContent-Transfer-Encoding: "
+     "quoted-printable\n\nHallo Ann,\n\nviele Gr=C3=BC=C3=9Fe vom Gipfel! Die Aussicht war =\n"
+     "herrlich.\n\nJ=C3=B6rg\n"
+     "--alt\nContent-Type: text/html; charset=UTF-8\n\n<p>Hallo Ann,</p><p>viele "
+     "<b>Gr&uuml;&szlig;e</b> vom Gipfel!</p>\n--alt--\n"
+     "--outer\nContent-Type: image/jpeg\nContent-Transfer-Encoding: base64\n"
+     "Content-Disposition: attachment; filename*=UTF-8''Gipfelkreuz%20M%C3%A4rz.jpg\n\n"
+     "/9j/4AAQSkZJRgABAQEASABIAAD/2wBDAP//////////////////////////////////////////\n"
+     "--outer--\n",
+     "multipart/mixed; boundary=outer"},
 };
 const DemoMessage kNetscapeArchive[] = {
     {"Tue, 2 Dec 1997 12:00:00 -0800", "Hank Orr <hank@example.net>", "ann@example.org", "",
@@ -96,7 +112,10 @@ std::string messageText(const DemoMessage &message, const std::string &first,
   text += std::string("From: ") + message.from + eol + "To: " + message.to + eol;
   if (*message.cc != '\0')
     text += std::string("Cc: ") + message.cc + eol;
-  text += std::string("Subject: ") + message.subject + eol + "MIME-Version: 1.0" + eol + eol;
+  text += std::string("Subject: ") + message.subject + eol + "MIME-Version: 1.0" + eol;
+  if (message.contentType != nullptr)
+    text += std::string("Content-Type: ") + message.contentType + eol;
+  text += eol;
   return text + withLineEnds(message.body, eol);
 }
 

@@ -5,6 +5,7 @@
 #include "host/IndexStatements.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <sys/stat.h>
 
@@ -12,15 +13,23 @@ namespace {
 
 // "tkmh": the database is mhhost's. user_version is the schema's version.
 constexpr int64_t kApplicationId = 0x746B6D68;
-constexpr int64_t kSchemaVersion = 1;
+constexpr int64_t kSchemaVersion = 2;
 constexpr int kBusyTimeoutMs = 3000;
 
-const char kSchema[] = R"sql(
+// The agents stay when an index of an older schema is rebuilt: `mhhost index` then knows
+// every store it held.
+const char kAgentsSchema[] = R"sql(
 CREATE TABLE agents(
   id INTEGER PRIMARY KEY,
   key TEXT NOT NULL UNIQUE,
   tree_state INTEGER NOT NULL DEFAULT 0
 );
+)sql";
+
+// `time` is the agent's time of a message; `date` its true time in UTC from the Date header
+// or the delimiter line, NULL when it has none. `decoded` is 0 for a message whose MIME
+// structure could not be read: its raw body was indexed.
+const char kSchema[] = R"sql(
 CREATE TABLE mailboxes(
   id INTEGER PRIMARY KEY,
   agent INTEGER NOT NULL REFERENCES agents(id),
@@ -36,15 +45,27 @@ CREATE TABLE objects(
   checksum INTEGER NOT NULL,
   time INTEGER NOT NULL,
   stamp INTEGER NOT NULL,
-  record BLOB NOT NULL
+  record BLOB NOT NULL,
+  date INTEGER,
+  decoded INTEGER NOT NULL,
+  message_id TEXT NOT NULL,
+  in_reply_to TEXT NOT NULL,
+  refs TEXT NOT NULL
 );
 CREATE INDEX objects_of_mailbox ON objects(mailbox);
-CREATE VIRTUAL TABLE texts USING fts5(subject, "from", "to", cc, body,
+CREATE VIRTUAL TABLE texts USING fts5(subject, "from", "to", cc, body, attachment,
                                       tokenize = 'unicode61 remove_diacritics 2');
-INSERT INTO texts(texts, rank) VALUES('rank', 'bm25(4.0, 2.0, 1.0, 1.0, 1.0)');
+INSERT INTO texts(texts, rank) VALUES('rank', 'bm25(4.0, 2.0, 1.0, 1.0, 1.0, 1.0)');
 INSERT INTO texts(texts, rank) VALUES('automerge', 16);
 )sql";
 
+// What an index of schema 1 holds besides its agents.
+const char kOldTables[] = R"sql(
+DROP TABLE IF EXISTS texts;
+DROP TABLE IF EXISTS objects;
+DROP TABLE IF EXISTS mailboxes;
+UPDATE agents SET tree_state = 0;
+)sql";
 // Makes the folders above `path`; false with `error` when one can't be made.
 bool makeParentFolders(const std::string &path, std::string &error) {
   for (size_t slash = path.find('/', 1); slash != std::string::npos;
@@ -111,7 +132,16 @@ bool IndexDb::claim(Access access, std::string &error) {
   }
   if (applicationId == kApplicationId) {
     const int64_t version = pragmaValue(*connection_, "PRAGMA user_version");
-    if (version != kSchemaVersion) {
+    if (version == 1 && access == Access::ReadOnly) {
+      error = "the index " + path_ + " was made by an older mhhost, which did not decode "
+              "mail: run mhhost index to rebuild it";
+      return false;
+    }
+    if (version == 1 && !rebuildOldSchema()) {
+      error = errorText();
+      return false;
+    }
+    if (version != 1 && version != kSchemaVersion) {
       error = path_ + " is an index of another version of mhhost (schema " +
               std::to_string(version) + ", this one reads " + std::to_string(kSchemaVersion) +
               "); it was left as it is";
@@ -151,6 +181,7 @@ bool IndexDb::createSchema() {
   const bool stillEmpty = pragmaValue(*connection_, "PRAGMA application_id") == 0 &&
                           pragmaValue(*connection_, "SELECT count(*) FROM sqlite_schema") == 0;
   if (stillEmpty) {
+    connection_->exec(kAgentsSchema);
     connection_->exec(kSchema);
     connection_->exec("PRAGMA application_id = " + std::to_string(kApplicationId) +
                       "; PRAGMA user_version = " + std::to_string(kSchemaVersion));
@@ -160,6 +191,24 @@ bool IndexDb::createSchema() {
     return false;
   }
   return stillEmpty || pragmaValue(*connection_, "PRAGMA application_id") == kApplicationId;
+}
+
+bool IndexDb::rebuildOldSchema() {
+  if (!begin())
+    return false;
+  // Another process may have rebuilt it since the check.
+  if (pragmaValue(*connection_, "PRAGMA user_version") == 1) {
+    std::fprintf(stderr, "mhhost: the index %s was made by an older mhhost; it is rebuilt "
+                         "now, and every message is read again\n", path_.c_str());
+    connection_->exec(kOldTables);
+    connection_->exec(kSchema);
+    connection_->exec("PRAGMA user_version = " + std::to_string(kSchemaVersion));
+  }
+  if (!ok() || !commit()) {
+    rollback();
+    return false;
+  }
+  return true;
 }
 
 bool IndexDb::begin() {

@@ -1,6 +1,7 @@
 // The search index: an SQLite database of mhhost's own (marked by its application id), with
-// the agents it indexed, their mailboxes, each object's record, time and fields, and an FTS5
-// table of the text (subject, from, to, cc, body) whose rowid is the object's id.
+// the agents it indexed, their mailboxes, each object's record, times and message ids, and an
+// FTS5 table of its decoded text (subject, from, to, cc, body, attachment names) whose rowid
+// is the object's id.
 //
 // A database that is not ours, damaged or locked is never changed: open() fails with a
 // message that says so. Every write happens in the caller's transaction.
@@ -9,6 +10,7 @@
 #include "host/PropertyBlock.h"
 #include "host/RecordBuffer.h"
 #include "host/Sqlite.h"
+#include "host/reader/MailReader.h"
 
 #include <cstdint>
 #include <limits>
@@ -35,6 +37,8 @@ struct StoredObject {
 struct SearchQuery {
   std::string match;    // FTS5 query syntax
   std::string agentKey; // empty: every agent's objects
+  // On the true dates: a message without one is outside any range given.
+  bool dated = false;
   int64_t since = std::numeric_limits<int64_t>::min();
   int64_t until = std::numeric_limits<int64_t>::max();
   int64_t limit = 20;
@@ -46,7 +50,9 @@ struct SearchHit {
   std::string agentKey;
   std::string path;
   uint32_t offset = 0, length = 0;
-  int32_t time = 0;
+  int32_t time = 0; // the agent's
+  bool hasDate = false;
+  int64_t date = 0; // UTC
   std::string from, subject, snippet;
 };
 
@@ -84,8 +90,10 @@ public:
   void setFileState(int64_t mailbox, int64_t state);
   void removeMailbox(int64_t mailbox);
   std::vector<StoredObject> objects(int64_t mailbox);
-  int64_t addObject(int64_t mailbox, const RecordBuffer &record, int32_t time,
-                    const MessageFields &fields, const std::string &body);
+  // `message` as read, its text searched as `body`; `raw` when its raw body stands for
+  // the text.
+  int64_t addObject(int64_t mailbox, const RecordBuffer &record, int32_t agentTime,
+                    const ReadMessage &message, const std::string &body);
   void replaceRecord(int64_t object, const RecordBuffer &record);
   void removeObject(int64_t object);
 
@@ -98,6 +106,8 @@ private:
   IndexDb(std::unique_ptr<SqliteConnection> connection, std::string path);
   bool claim(Access access, std::string &error);
   bool createSchema();
+  // An index of schema 1 holds raw bodies: its messages are dropped, its agents kept.
+  bool rebuildOldSchema();
   Statement &prepared(std::unique_ptr<Statement> &slot, const char *sql);
 
   std::unique_ptr<SqliteConnection> connection_;

@@ -7,12 +7,12 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
   // Not kept: its snippet marks change from call to call. bm25 weights are the table's rank.
   Statement select(*connection_, R"sql(
     SELECT o.id, a.key, m.path, o.offset, o.length, o.time, texts."from", texts.subject,
-           snippet(texts, -1, ?1, ?2, '...', 16)
+           snippet(texts, -1, ?1, ?2, '...', 16), o.date
     FROM texts
       JOIN objects o ON o.id = texts.rowid
       JOIN mailboxes m ON m.id = o.mailbox
       JOIN agents a ON a.id = m.agent
-    WHERE texts MATCH ?3 AND o.time BETWEEN ?4 AND ?5 AND (?6 = '' OR a.key = ?6)
+    WHERE texts MATCH ?3 AND (?8 = 0 OR o.date BETWEEN ?4 AND ?5) AND (?6 = '' OR a.key = ?6)
     ORDER BY rank LIMIT ?7)sql");
   select.bind(1, query.markStart)
       .bind(2, query.markEnd)
@@ -20,7 +20,8 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
       .bind(4, query.since)
       .bind(5, query.until)
       .bind(6, query.agentKey)
-      .bind(7, query.limit);
+      .bind(7, query.limit)
+      .bind(8, query.dated ? 1 : 0);
   hits.clear();
   while (select.step()) {
     SearchHit hit;
@@ -33,6 +34,8 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
     hit.from = select.text(6);
     hit.subject = select.text(7);
     hit.snippet = select.text(8);
+    hit.hasDate = !select.isNull(9);
+    hit.date = select.integer(9);
     hits.push_back(std::move(hit));
   }
   if (connection_->ok())

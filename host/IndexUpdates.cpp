@@ -91,30 +91,41 @@ std::vector<StoredObject> IndexDb::objects(int64_t mailbox) {
   return found;
 }
 
-int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t time,
-                           const MessageFields &fields, const std::string &body) {
-  Statement &insert = prepared(statements_->insertObject,
-                               "INSERT INTO objects(mailbox, offset, length, checksum, time, "
-                               "stamp, record) VALUES(?, ?, ?, ?, ?, ?, ?)");
-  if (!insert.bind(1, mailbox)
-           .bind(2, record->offset)
-           .bind(3, record->length)
-           .bind(4, record->checksum)
-           .bind(5, time)
-           .bind(6, record->mailboxStamp)
-           .bindBlob(7, record.bytes(), record.filledSize())
+int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t agentTime,
+                           const ReadMessage &message, const std::string &body) {
+  Statement &insert = prepared(
+      statements_->insertObject,
+      "INSERT INTO objects(mailbox, offset, length, checksum, time, stamp, record, date, "
+      "decoded, message_id, in_reply_to, refs) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+  insert.bind(1, mailbox)
+      .bind(2, record->offset)
+      .bind(3, record->length)
+      .bind(4, record->checksum)
+      .bind(5, agentTime)
+      .bind(6, record->mailboxStamp)
+      .bindBlob(7, record.bytes(), record.filledSize());
+  if (message.hasDate)
+    insert.bind(8, message.date);
+  if (!insert.bind(9, message.decoded ? 1 : 0)
+           .bindStatic(10, message.messageId.data(), message.messageId.size())
+           .bindStatic(11, message.inReplyTo.data(), message.inReplyTo.size())
+           .bindStatic(12, message.references.data(), message.references.size())
            .run())
     return 0;
   const int64_t id = sqlite3_last_insert_rowid(connection_->handle());
+  std::string attachments;
+  for (const MailAttachment &attachment : message.attachments)
+    attachments += (attachments.empty() ? "" : "\n") + attachment.name;
   Statement &text = prepared(statements_->insertText,
-                             "INSERT INTO texts(rowid, subject, \"from\", \"to\", cc, body) "
-                             "VALUES(?, ?, ?, ?, ?, ?)");
+                             "INSERT INTO texts(rowid, subject, \"from\", \"to\", cc, body, "
+                             "attachment) VALUES(?, ?, ?, ?, ?, ?, ?)");
   if (!text.bind(1, id)
-           .bindStatic(2, fields.subject.data(), fields.subject.size())
-           .bindStatic(3, fields.from.data(), fields.from.size())
-           .bindStatic(4, fields.to.data(), fields.to.size())
-           .bindStatic(5, fields.cc.data(), fields.cc.size())
+           .bindStatic(2, message.subject.data(), message.subject.size())
+           .bindStatic(3, message.from.data(), message.from.size())
+           .bindStatic(4, message.to.data(), message.to.size())
+           .bindStatic(5, message.cc.data(), message.cc.size())
            .bindStatic(6, body.data(), body.size())
+           .bindStatic(7, attachments.data(), attachments.size())
            .run())
     return 0;
   return id;

@@ -1,6 +1,7 @@
 // The index run: the mailbox check, the walk, new objects, and the objects that are gone.
 #include "host/Indexer.h"
 
+#include "host/MessageLoader.h"
 #include "host/OpenedObject.h"
 #include "host/StoreWalk.h"
 
@@ -48,10 +49,10 @@ int64_t scannedState(const StoreTree &tree, const std::string &path) {
 
 class IndexRun {
 public:
-  IndexRun(const AgentEntryTable &entries, IndexDb &db, int64_t agent, const StoreTree &tree,
-           ProgressBar &progress, IndexSummary &summary)
+  IndexRun(const AgentEntryTable &entries, Framing framing, IndexDb &db, int64_t agent,
+           const StoreTree &tree, ProgressBar &progress, IndexSummary &summary)
       : entries_(entries), db_(db), agent_(agent), tree_(tree), progress_(progress),
-        summary_(summary) {}
+        summary_(summary), loader_(entries, framing) {}
 
   void run() {
     checkStoredMailboxes();
@@ -158,23 +159,23 @@ private:
   }
 
   void addObject(MailboxWork &work, const RecordBuffer &record) {
-    OpenedObject object(entries_, record.get());
-    body_.clear();
-    if (!object.isOpen() || !object.readBody(body_)) {
+    if (!loader_.load(record, loaded_)) {
       ++work.report.failed;
       return;
     }
-    MessageFields fields;
-    if (!object.readFields(fields))
-      fields = MessageFields();
+    const ReadMessage &message = loaded_.message;
+    text_ = message.text;
+    if (!message.attachmentText.empty())
+      text_.append("\n").append(message.attachmentText);
     // Zero bytes end a C string: in the stored text they are blanks. Text rarely holds one,
     // and the library's search passes over the rest far faster than a loop byte by byte.
-    char *const end = &body_[0] + body_.size();
-    for (char *zero = &body_[0];
+    char *const end = &text_[0] + text_.size();
+    for (char *zero = &text_[0];
          (zero = static_cast<char *>(std::memchr(zero, '\0', static_cast<size_t>(end - zero))));)
       *zero++ = ' ';
-    if (db_.addObject(work.id, record, object.time(), fields, body_) != 0) {
+    if (db_.addObject(work.id, record, loaded_.agentTime, message, text_) != 0) {
       ++work.report.added;
+      work.report.raw += message.decoded ? 0 : 1;
       ++addedSoFar_;
       summary_.bytes += record->length;
     }
@@ -208,6 +209,7 @@ private:
     summary_.unchanged += work.report.unchanged;
     summary_.removed += work.report.removed;
     summary_.failed += work.report.failed;
+    summary_.raw += work.report.raw;
     ++summary_.mailboxesRead;
     summary_.mailboxes.push_back(work.report);
   }
@@ -221,13 +223,15 @@ private:
   std::unordered_set<std::string> unchangedPaths_;
   std::vector<std::unique_ptr<MailboxWork>> works_;
   std::unordered_map<std::string, MailboxWork *> workByPath_;
-  std::string body_;
+  MessageLoader loader_;
+  LoadedMessage loaded_;
+  std::string text_;
   uint64_t addedSoFar_ = 0;
 };
 
 } // namespace
 
-void updateIndex(const AgentEntryTable &entries, IndexDb &db, int64_t agent, const StoreTree &tree,
-                 ProgressBar &progress, IndexSummary &summary) {
-  IndexRun(entries, db, agent, tree, progress, summary).run();
+void updateIndex(const AgentEntryTable &entries, Framing framing, IndexDb &db, int64_t agent,
+                 const StoreTree &tree, ProgressBar &progress, IndexSummary &summary) {
+  IndexRun(entries, framing, db, agent, tree, progress, summary).run();
 }

@@ -1,7 +1,8 @@
 // Bringing the index of one agent's store up to date.
 //
-// First run: every object the walk gives is opened, its body read and its fields taken, and
-// its record, time, fields and text are stored. Later runs ask keepObject once per stored
+// First run: every object the walk gives is opened, its body read with its header block, both
+// read as a person reads them (MessageLoader), and its record, times, decoded fields and text
+// are stored. Later runs ask keepObject once per stored
 // mailbox (all records of a mailbox share its stamp) and compare the mailbox file's state:
 // an unchanged mailbox is not read again. The store is walked only when a mailbox changed
 // or the tree below the mail directory did (a mailbox may have been added); then only new
@@ -11,6 +12,7 @@
 
 #include "agent/AgentAbi.h"
 #include "host/IndexDb.h"
+#include "host/MessageLoader.h"
 #include "host/StoreTree.h"
 #include "host/Terminal.h"
 
@@ -21,10 +23,11 @@
 struct MailboxReport {
   std::string path;
   uint64_t added = 0, unchanged = 0, removed = 0, failed = 0;
+  uint64_t raw = 0; // of those added: indexed from the raw body, the MIME being unreadable
 };
 
 struct IndexSummary {
-  uint64_t added = 0, unchanged = 0, removed = 0, failed = 0;
+  uint64_t added = 0, unchanged = 0, removed = 0, failed = 0, raw = 0;
   uint64_t mailboxesRead = 0, mailboxesUnchanged = 0;
   uint64_t bytes = 0;  // of the messages read
   bool walked = false; // whether the store was walked
@@ -34,5 +37,5 @@ struct IndexSummary {
 
 // Updates `agent`'s objects in `db`, inside the caller's transaction. Database errors stop
 // the run; the caller finds them in db.ok().
-void updateIndex(const AgentEntryTable &entries, IndexDb &db, int64_t agent, const StoreTree &tree,
-                 ProgressBar &progress, IndexSummary &summary);
+void updateIndex(const AgentEntryTable &entries, Framing framing, IndexDb &db, int64_t agent,
+                 const StoreTree &tree, ProgressBar &progress, IndexSummary &summary);

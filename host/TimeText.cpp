@@ -1,4 +1,4 @@
-// Reading --since and --until, and writing an object's time.
+// Reading --since and --until, and writing a message's date.
 #include "host/TimeText.h"
 
 #include <cstdio>
@@ -44,10 +44,10 @@ bool parseDateArgument(const std::string &text, bool endOfDay, int64_t &seconds)
   return true;
 }
 
-std::string formatTime(int32_t seconds) {
-  if (seconds == -1)
+std::string formatDate(bool hasDate, int64_t seconds) {
+  if (!hasDate)
     return "-";
-  const time_t value = seconds;
+  const time_t value = static_cast<time_t>(seconds);
   struct tm local = {};
   if (localtime_r(&value, &local) == nullptr)
     return "-";

@@ -9,5 +9,5 @@
 // A bare date is its first second, or with `endOfDay` its last. False when it is no date.
 bool parseDateArgument(const std::string &text, bool endOfDay, int64_t &seconds);
 
-// "YYYY-MM-DD HH:MM", or "-" for the time -1 that stands for a date mktime couldn't give.
-std::string formatTime(int32_t seconds);
+// "YYYY-MM-DD HH:MM" in the local zone, or "-" for a message without a date.
+std::string formatDate(bool hasDate, int64_t seconds);

@@ -98,7 +98,7 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
         sum += range.length;
     return sum;
   }();
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 5 new, 0 unchanged, 0 removed, 0 unreadable; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 5 new, 0 unchanged, 0 removed, 0 unreadable, 0 raw; "
                                        "2 of 2 mailboxes read; " +
                                        std::to_string(bytes) + " bytes in "))
       << run.out;
@@ -110,10 +110,11 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
   EXPECT_EQ(inboxRanges[0].offset, hit.numbers.at("offset"));
   EXPECT_EQ(inboxRanges[0].length, hit.numbers.at("length"));
   EXPECT_EQ(utc(1998, 1, 15, 10, 30, 45), hit.numbers.at("time"));
+  EXPECT_EQ(utc(1998, 1, 15, 10, 30, 45), hit.numbers.at("date"));
   EXPECT_EQ("Ann Lee <ann@example.org>", hit.strings.at("from"));
   EXPECT_EQ("Quarterly report draft", hit.strings.at("subject"));
   EXPECT_NE(std::string::npos, hit.strings.at("snippet").find("Quarterly"));
-  EXPECT_EQ(8u, hit.strings.size() + hit.numbers.size());
+  EXPECT_EQ(9u, hit.strings.size() + hit.numbers.size());
 
   // A new index is made for a large first run: 8 KB pages, segments merged 16 at a time.
   EXPECT_EQ("8192", queryText(database, "PRAGMA page_size"));
@@ -160,8 +161,8 @@ TEST_P(HostStoreTest, SearchesEachFieldAndDateRanges) {
             subjects("subject:quarterly OR subject:corrections", {"--until", "1998-01-15"}));
   EXPECT_EQ(Subjects(), subjects("subject:quarterly", {"--since", "1998-01-15 10:31"}));
   EXPECT_EQ(2u, subjects("ann OR dan OR garden", {"--limit", "2"}).size());
-  // The message without a Date has the agent's fixed date, 1 Feb 1971.
-  EXPECT_EQ(Subjects({"Undated note"}), subjects("undated", {"--until", "1971-02-01"}));
+  // The message without a Date never has the agent's fixed date, 1 Feb 1971.
+  EXPECT_EQ(Subjects(), subjects("undated", {"--until", "1971-02-01"}));
 
   // Without --json: id, date, sender, subject, then the snippet with the matches marked.
   const HostResult plain = host({"search", "tomatoes"});
@@ -190,11 +191,11 @@ TEST_P(HostStoreTest, ShowsTheViewEmailWindowAndCatsTheBody) {
   EXPECT_EQ(shown.out, typed.out);
   EXPECT_NE(std::string::npos, typed.err.find("Enter closes the window")) << typed.err;
 
-  const HostResult body = host({"cat", id});
+  const HostResult body = host({"cat", "--raw", id});
   ASSERT_EQ(0, body.status) << body.err;
   EXPECT_EQ(bodyOf(client(), kQuarterly), body.out);
   // The other mailbox, deeper down, is reached as well.
-  const HostResult other = host({"cat", std::to_string(idOf("subject:undated"))});
+  const HostResult other = host({"cat", "--raw", std::to_string(idOf("subject:undated"))});
   EXPECT_EQ(bodyOf(client(), kUndated), other.out);
 }
 
@@ -204,7 +205,7 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   // Nothing changed: no walk, and the agent opens nothing.
   HostResult run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 5 unchanged, 0 removed, 0 unreadable; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 5 unchanged, 0 removed, 0 unreadable, 0 raw; "
                                        "0 of 2 mailboxes read"))
       << run.out;
   EXPECT_EQ(1u, linesWith(run.out, "walk: not needed").size());
@@ -219,11 +220,11 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   appendFile(inboxFile(), appended.bytes.substr(before.bytes.size()));
   run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 removed, 0 unreadable; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 removed, 0 unreadable, 0 raw; "
                                        "1 of 2 mailboxes read"))
       << run.out;
   EXPECT_EQ(std::vector<std::string>(
-                {"read " + inboxFile() + ": 1 new, 3 unchanged, 0 removed, 0 unreadable"}),
+                {"read " + inboxFile() + ": 1 new, 3 unchanged, 0 removed, 0 unreadable, 0 raw"}),
             linesWith(run.out, "read "));
   EXPECT_EQ(1u, linesWith(run.err, ": openObject").size()) << run.err;
   std::vector<JsonObject> hits = searchJson("subject:appended");
@@ -235,7 +236,7 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   writeFile(inboxFile(), compacted.bytes);
   run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 2 new, 3 unchanged, 3 removed, 0 unreadable; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 2 new, 3 unchanged, 3 removed, 0 unreadable, 0 raw; "
                                        "1 of 2 mailboxes read"))
       << run.out;
   EXPECT_EQ(1u, linesWith(run.out, "read ").size());
@@ -253,7 +254,7 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   ASSERT_EQ(0, unlink(controlFileOf(client(), inbox).c_str()));
   run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 2 unchanged, 3 removed, 0 unreadable; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 2 unchanged, 3 removed, 0 unreadable, 0 raw; "
                                        "1 of 2 mailboxes read"))
       << run.out;
   EXPECT_TRUE(searchJson("subject:quarterly").empty());
@@ -268,7 +269,7 @@ TEST_P(HostStoreTest, FindsANewMailboxAndNeverOpensUnchangedOnes) {
   ASSERT_EQ(0, run.status) << run.err;
   EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 removed"));
   EXPECT_EQ(std::vector<std::string>({"read " + mailFileOf(client(), mail + "/Folders/Later") +
-                                      ": 1 new, 0 unchanged, 0 removed, 0 unreadable"}),
+                                      ": 1 new, 0 unchanged, 0 removed, 0 unreadable, 0 raw"}),
             linesWith(run.out, "read "));
   EXPECT_EQ(1u, linesWith(run.err, ": openObject").size()) << run.err;
 }

@@ -78,6 +78,10 @@ bool parseJsonLine(const std::string &line, JsonObject &object) {
           return false;
         continue;
       }
+      if (line.compare(at, 4, "null") == 0) {
+        at += 4; // a value that is not there: the key stays out of both maps
+        continue;
+      }
       const size_t start = at;
       at += at < line.size() && line[at] == '-';
       while (at < line.size() && line[at] >= '0' && line[at] <= '9')

@@ -1,0 +1,134 @@
+// The agent's object, the header block around it, and the reader.
+#include "host/MessageLoader.h"
+
+#include "host/Clients.h"
+#include "host/OpenedObject.h"
+#include "host/reader/MailDates.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// A delimiter line is far shorter; more ahead of a range is not looked at.
+constexpr size_t kLongestDelimiterLine = 1024;
+// A header block is rarely more than a few KB; one larger than this is cut there.
+constexpr size_t kLargestHeaderBlock = 4u << 20;
+
+struct FileState {
+  off_t size = 0;
+  struct timespec modified = {}, changed = {};
+  bool operator==(const FileState &other) const {
+    return size == other.size && modified.tv_sec == other.modified.tv_sec &&
+           modified.tv_nsec == other.modified.tv_nsec && changed.tv_sec == other.changed.tv_sec &&
+           changed.tv_nsec == other.changed.tv_nsec;
+  }
+};
+
+bool stateOf(int fd, FileState &state) {
+  struct stat status;
+  if (fstat(fd, &status) != 0)
+    return false;
+  state.size = status.st_size;
+  state.modified = status.st_mtim;
+  state.changed = status.st_ctim;
+  return true;
+}
+
+} // namespace
+
+Framing framingOfKey(const std::string &agentKey) {
+  const ClientInfo *const client = clientOfKey(agentKey);
+  if (client != nullptr && std::strcmp(client->name, "eudora") == 0)
+    return Framing::EudoraLine;
+  if (client != nullptr && std::strcmp(client->name, "netscape") == 0)
+    return Framing::NetscapeLine;
+  return Framing::Plain;
+}
+
+bool MessageLoader::openFile(const std::string &path) {
+  if (fd_ >= 0 && path == path_)
+    return true;
+  closeFile();
+  fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd_ < 0)
+    return false;
+  path_ = path;
+  return true;
+}
+
+void MessageLoader::closeFile() {
+  if (fd_ >= 0)
+    ::close(fd_);
+  fd_ = -1;
+  path_.clear();
+}
+
+bool MessageLoader::readAt(uint64_t offset, size_t size, std::string &bytes) {
+  bytes.resize(size);
+  size_t done = 0;
+  while (done < size) {
+    const ssize_t got = pread(fd_, &bytes[done], size - done, static_cast<off_t>(offset + done));
+    if (got < 0 && errno == EINTR)
+      continue;
+    if (got <= 0)
+      return false; // an error, or the file is shorter now
+    done += static_cast<size_t>(got);
+  }
+  return true;
+}
+
+bool MessageLoader::readFrame(const ObjectRecord *record, size_t bodyLength,
+                              std::string &headerBlock, std::string &delimiterLine) {
+  if (bodyLength > record->length)
+    return false;
+  const size_t headerLength = std::min<size_t>(record->length - bodyLength, kLargestHeaderBlock);
+  if (!readAt(record->offset, headerLength, headerBlock))
+    return false;
+  delimiterLine.clear();
+  if (framing_ == Framing::EudoraLine) {
+    // The range starts behind "From ???@???", on the rest of its line.
+    const size_t lineEnd = headerBlock.find('\n');
+    const size_t taken = lineEnd == std::string::npos ? headerBlock.size() : lineEnd + 1;
+    delimiterLine = headerBlock.substr(0, taken);
+    headerBlock.erase(0, taken);
+  } else if (framing_ == Framing::NetscapeLine && record->offset > 0) {
+    // The delimiter line ends with the line feed just ahead of the range.
+    const size_t before = std::min<size_t>(record->offset, kLongestDelimiterLine);
+    std::string ahead;
+    if (!readAt(record->offset - before, before, ahead) || ahead.back() != '\n')
+      return true;
+    ahead.pop_back();
+    const size_t lineStart = ahead.rfind('\n');
+    delimiterLine = ahead.substr(lineStart == std::string::npos ? 0 : lineStart + 1);
+  }
+  return true;
+}
+
+bool MessageLoader::load(const RecordBuffer &record, LoadedMessage &loaded) {
+  loaded.body.clear();
+  openStatus_ = 0;
+  FileState before, after;
+  if (!openFile(record.path()) || !stateOf(fd_, before))
+    return false;
+  std::string headerBlock, delimiterLine;
+  {
+    OpenedObject object(entries_, record.get());
+    openStatus_ = object.openStatus();
+    if (!object.isOpen() || !object.readBody(loaded.body))
+      return false;
+    loaded.agentTime = object.time();
+  }
+  if (!readFrame(record.get(), loaded.body.size(), headerBlock, delimiterLine) ||
+      !stateOf(fd_, after) || !(before == after))
+    return false;
+  readMessage(headerBlock, loaded.body, loaded.message);
+  ReadMessage &message = loaded.message;
+  if (!message.hasDate && parseDelimiterDate(delimiterLine, message.date))
+    message.hasDate = true;
+  return true;
+}

@@ -1,0 +1,56 @@
+// A message as the host reads it: the body from the agent's stream, the top-level header
+// block and the client's delimiter line from the mailbox file with pread, and the two read
+// together as a person reads them.
+//
+// The agent gives the body and a record's range; the header block is the range less the
+// body. Eudora's range starts with the rest of its delimiter line, Netscape's delimiter line
+// lies just ahead of the range. The file is read with pread, never mapped, so a file cut
+// short under the host is a failed read and not a fault; a mailbox whose size or times
+// change while a message is read makes that message unreadable for this run.
+#pragma once
+
+#include "agent/AgentAbi.h"
+#include "host/RecordBuffer.h"
+#include "host/reader/MailReader.h"
+
+#include <cstdint>
+#include <string>
+
+enum class Framing { Plain, EudoraLine, NetscapeLine };
+
+// The framing of the client that `agentKey` selects.
+Framing framingOfKey(const std::string &agentKey);
+
+struct LoadedMessage {
+  std::string body; // as the agent's stream gives it
+  int32_t agentTime = -1;
+  ReadMessage message; // its date falls back on the delimiter line's
+};
+
+class MessageLoader {
+public:
+  MessageLoader(const AgentEntryTable &entries, Framing framing)
+      : entries_(entries), framing_(framing) {}
+  MessageLoader(const MessageLoader &) = delete;
+  MessageLoader &operator=(const MessageLoader &) = delete;
+  ~MessageLoader() { closeFile(); }
+
+  // False when the object does not open (openStatus() says why), a read fails or the mailbox
+  // changed meanwhile.
+  bool load(const RecordBuffer &record, LoadedMessage &loaded);
+  int32_t openStatus() const { return openStatus_; }
+
+private:
+  bool openFile(const std::string &path);
+  void closeFile();
+  bool readAt(uint64_t offset, size_t size, std::string &bytes);
+  bool readFrame(const ObjectRecord *record, size_t bodyLength, std::string &headerBlock,
+                 std::string &delimiterLine);
+
+  const AgentEntryTable &entries_;
+  const Framing framing_;
+  int32_t openStatus_ = 0;
+  // The mailbox last read stays open: a store's messages come mailbox by mailbox.
+  std::string path_;
+  int fd_ = -1;
+};

@@ -1,0 +1,113 @@
+// mhhost reads mail as a person does: a Netscape store with one message of each kind that
+// raw bodies hide (base64, quoted-printable, 8-bit, HTML, encoded words, zones, no dates,
+// MIME trees) is found by its words and shown decoded.
+#include "tests/host/HostFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <sqlite3.h>
+
+namespace {
+
+class HostReaderTest : public HostFixture, public ::testing::Test {
+protected:
+  void SetUp() override {
+    writeFile(dir.file("ns/Inbox"), readFile(TUK_SOURCE_DIR "/tests/host/mail/decoding.mbox"));
+    writeFile(dir.file("ns/Inbox.snm"), std::string(64, '\0'));
+    ASSERT_EQ(host({"config", "--client", "netscape", "--mail-dir", dir.file("ns"), "--yes"})
+                  .status, 0);
+    const HostResult indexed = host({"index", "--client", "netscape"});
+    ASSERT_EQ(indexed.status, 0) << indexed.err;
+    ASSERT_NE(indexed.out.find("8 new, 0 unchanged, 0 removed, 0 unreadable, 0 raw"),
+              std::string::npos)
+        << indexed.out;
+  }
+
+  // The one hit of `query`.
+  JsonObject only(const std::string &query) {
+    const std::vector<JsonObject> hits = searchJson(query);
+    EXPECT_EQ(hits.size(), 1u) << query;
+    return hits.empty() ? JsonObject() : hits.front();
+  }
+};
+
+TEST_F(HostReaderTest, FindsEveryDecodedWordAndNoneOfTheEncoding) {
+  const struct {
+    const char *query, *subject;
+  } found[] = {
+      {"xylophone", "base64 text"},
+      {"Käsekuchen", "quoted-printable"},
+      {"kasekuchen", "quoted-printable"},
+      {"hippopotamus", "quoted-printable"},
+      {"Müller", "undeclared eight bit"},
+      {"aardvark", "html only"},
+      {"Überweisung", "Überweisung"},
+      {"from:Jörg", "Überweisung"},
+      {"narwhal", "alternative with attachment"},
+      {"pangolin", "alternative with attachment"},
+      {"wombat", "alternative with attachment"},
+      {"attachment:resume", "alternative with attachment"},
+  };
+  for (const auto &expected : found)
+    EXPECT_EQ(only(expected.query).strings["subject"], expected.subject) << expected.query;
+  // Encodings, markup and the HTML alternative of a plain part are not text.
+  for (const char *absent : {"C3", "hippopota", "color", "nbsp", "tagword", "walrus", "UTF",
+                             "w5xiZXJ3ZWlzdW5n"})
+    EXPECT_TRUE(searchJson(absent).empty()) << absent;
+}
+
+TEST_F(HostReaderTest, DatesAreTrueTimesWithTheSendersZoneOrTheDelimiterLine) {
+  // 10:30:45 at -0500 is 15:30:45 UTC.
+  EXPECT_EQ(only("xylophone").numbers["date"], 884878245);
+  // No Date header: the delimiter line's time, which the client wrote in local time.
+  struct tm local = {};
+  local.tm_year = 98, local.tm_mon = 0, local.tm_mday = 20, local.tm_hour = 8, local.tm_min = 15;
+  local.tm_isdst = -1;
+  EXPECT_EQ(only("kumquat").numbers["date"], static_cast<long long>(mktime(&local)));
+  // Neither: no date, never the agent's default one.
+  const JsonObject undated = only("quokka");
+  EXPECT_EQ(undated.numbers.count("date"), 0u);
+  const HostResult line = host({"search", "quokka"});
+  EXPECT_NE(line.out.find("  -  Nowhen"), std::string::npos) << line.out;
+  // A range is on the true date, and leaves the undated out.
+  EXPECT_EQ(searchJson("xylophone", {"--since", "1998-01-15", "--until", "1998-01-15"}).size(),
+            1u);
+  EXPECT_TRUE(searchJson("quokka", {"--since", "1970-01-01"}).empty());
+}
+
+TEST_F(HostReaderTest, CatShowsTheReadersViewAndRawTheAgentsBytes) {
+  const std::string id = std::to_string(only("narwhal").numbers["id"]);
+  const HostResult view = host({"cat", id});
+  ASSERT_EQ(view.status, 0) << view.err;
+  for (const char *shown : {"From: Mixed <mixed@example.org>\n", "Subject: alternative with "
+                            "attachment\n", "The plain narwhal.", "Subject: the forwarded pangolin",
+                            "[attachment] Résumé.pdf  application/pdf  200 bytes"})
+    EXPECT_NE(view.out.find(shown), std::string::npos) << shown << "\n" << view.out;
+  EXPECT_EQ(view.out.find("walrus"), std::string::npos);
+  EXPECT_EQ(view.out.find("--outer"), std::string::npos);
+
+  const HostResult raw = host({"cat", "--raw", id});
+  EXPECT_NE(raw.out.find("--outer\r\nContent-Type: multipart/alternative"), std::string::npos);
+
+  const HostResult subject = host({"cat", std::to_string(only("Überweisung").numbers["id"])});
+  EXPECT_NE(subject.out.find("From: Jörg Grün <joerg@example.org>\nDate: "), std::string::npos)
+      << subject.out;
+}
+
+TEST_F(HostReaderTest, AnIndexOfTheOlderSchemaIsRebuiltNeverRead) {
+  sqlite3 *db = nullptr;
+  ASSERT_EQ(sqlite3_open(database.c_str(), &db), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(db, "PRAGMA user_version = 1", nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3_close(db);
+  const HostResult search = host({"search", "xylophone"});
+  EXPECT_EQ(search.status, 1);
+  EXPECT_NE(search.err.find("run mhhost index to rebuild it"), std::string::npos) << search.err;
+  // The stores it held are known still: index without --client reads them all again.
+  const HostResult rebuilt = host({"index"});
+  ASSERT_EQ(rebuilt.status, 0) << rebuilt.err;
+  EXPECT_NE(rebuilt.err.find("was made by an older mhhost; it is rebuilt"), std::string::npos);
+  EXPECT_NE(rebuilt.out.find("indexed: 8 new, 0 unchanged"), std::string::npos) << rebuilt.out;
+  EXPECT_EQ(searchJson("xylophone").size(), 1u);
+}
+
+} // namespace
