@@ -204,7 +204,7 @@ std::string MailCorpus::nextDate() {
   return text;
 }
 
-void MailCorpus::appendHeaders(std::string &out, bool multipart) {
+void MailCorpus::appendTrace(std::string &out) {
   const std::string date = nextDate();
   const uint64_t number = ++messageNumber_;
   char scratch[160];
@@ -226,9 +226,10 @@ void MailCorpus::appendHeaders(std::string &out, bool multipart) {
                 static_cast<unsigned long long>(number), random_.below(0x7FFFFFFF));
   out += scratch + eol_;
   out += "Date: " + date + eol_;
-  out += "From: ";
-  appendAddress(out);
-  out += eol_ + "To: ";
+}
+
+void MailCorpus::appendRecipients(std::string &out) {
+  out += "To: ";
   const unsigned recipients = 1 + random_.below(4);
   for (unsigned i = 0; i < recipients; ++i) {
     if (i)
@@ -241,6 +242,14 @@ void MailCorpus::appendHeaders(std::string &out, bool multipart) {
     appendAddress(out);
     out += eol_;
   }
+}
+
+void MailCorpus::appendHeaders(std::string &out, bool multipart) {
+  appendTrace(out);
+  out += "From: ";
+  appendAddress(out);
+  out += eol_;
+  appendRecipients(out);
   out += "Subject: ";
   if (random_.below(3) == 0)
     out += "Re: ";
@@ -248,8 +257,9 @@ void MailCorpus::appendHeaders(std::string &out, bool multipart) {
   out += eol_;
   out += "MIME-Version: 1.0" + eol_;
   if (multipart) {
+    char scratch[160];
     std::snprintf(scratch, sizeof scratch, "Content-Type: multipart/mixed; boundary=\"part%llu\"",
-                  static_cast<unsigned long long>(number));
+                  static_cast<unsigned long long>(messageNumber_));
     out += scratch + eol_;
   } else {
     out += "Content-Type: text/plain; charset=us-ascii" + eol_;

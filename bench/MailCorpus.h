@@ -35,6 +35,15 @@ public:
   void appendMessage(std::string &out, size_t size);
   // A header block with its blank line.
   void appendHeaders(std::string &out, bool multipart);
+  // The fields a header block starts with, as the servers on the way wrote them:
+  // Return-Path, Received, Message-ID and Date.
+  void appendTrace(std::string &out);
+  // The To and, on about half, the Cc field.
+  void appendRecipients(std::string &out);
+  // "Name <mailbox>", in ASCII.
+  void appendAddress(std::string &out);
+  // `count` words, ASCII, separated by spaces.
+  void appendWords(std::string &out, unsigned count);
   // Appends whole lines of text, at least `bytes` of them. About one line in a hundred
   // starts with "From", as in a mailbox whose writer escapes nothing.
   void appendText(std::string &out, size_t bytes);
@@ -43,6 +52,8 @@ public:
   void appendFromText(std::string &out, size_t bytes);
   // Appends whole base64 lines, at least `bytes` of them.
   void appendBase64(std::string &out, size_t bytes);
+
+  const std::string &eol() const { return eol_; }
 
   // The date texts that messages carry, in the forms mail programs write.
   static const std::vector<std::string> &dates();
@@ -53,8 +64,6 @@ private:
     std::vector<uint32_t> starts; // the offset of each line; one more entry marks the end
   };
   void appendFromPool(const LinePool &pool, std::string &out, size_t bytes);
-  void appendAddress(std::string &out);
-  void appendWords(std::string &out, unsigned count);
   // A date a little later than the last, in one of the forms of dates().
   std::string nextDate();
 

@@ -2,6 +2,7 @@
 #include "bench/StoreWriter.h"
 
 #include "bench/MailCorpus.h"
+#include "bench/MimeCorpus.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -104,6 +105,9 @@ StoreFiles writeStore(Client client, const std::string &root, const StoreShape &
                       uint64_t seed) {
   const ClientFormat &format = clientFormat(client);
   MailCorpus corpus(seed, format.eol);
+  std::unique_ptr<MimeCorpus> mime;
+  if (shape.mime)
+    mime = std::make_unique<MimeCorpus>(corpus, seed);
   BenchRandom sizes(seed ^ 0x5A5A5A5A);
   StoreFiles store;
   store.root = root;
@@ -134,7 +138,11 @@ StoreFiles writeStore(Client client, const std::string &root, const StoreShape &
           break;
       }
       message.clear();
-      corpus.appendMessage(message, sizes.logUniform(shape.minMessage, shape.maxMessage));
+      const size_t size = sizes.logUniform(shape.minMessage, shape.maxMessage);
+      if (mime)
+        mime->appendMessage(message, size);
+      else
+        corpus.appendMessage(message, size);
       const size_t before = chunk.size();
       appendFramed(client, chunk, message, first);
       first = false;

@@ -32,6 +32,7 @@ struct StoreShape {
   size_t minMessage = 1024;  // message sizes, spread evenly over the logarithm
   size_t maxMessage = 1 << 20;
   unsigned mailboxes = 8;
+  bool mime = false; // MIME-heavy messages (MimeCorpus) instead of MailCorpus's
 };
 
 struct StoreFiles {

@@ -2,6 +2,8 @@
 // warm files, `cat` of its mail files (the read limit), the agent's walk as a host enumerates,
 // the walk with every object opened, read and its properties taken, and the reference host's
 // index. Each row gives MB/s, messages/s, its share of cat's speed and its peak memory.
+// Besides stores of plain text mail, a store of MIME-heavy mail (HTML alternatives,
+// attachments, 8-bit charsets, encoded words) measures the host's reading of MIME.
 #include "bench/AgentDriver.h"
 #include "bench/FileCache.h"
 #include "bench/MappedRead.h"
@@ -23,11 +25,14 @@
 namespace {
 
 const char kUsage[] =
-    "usage: store_bench [--size MB] [--messages N] [--clients LIST] [--repeat N]\n"
+    "usage: store_bench [--size MB] [--messages N] [--mime N] [--clients LIST] [--repeat N]\n"
     "                   [--slow-repeat N] [--first-read agent|cat] [--dir DIR] [--keep]\n"
     "                   [--verify] [--mhhost PATH]\n"
     "  --size MB       the store of mixed messages (1 KB to 1 MB) per client; 0: none (256)\n"
     "  --messages N    the store of everyday messages (about 5 KB) per client; 0: none (100000)\n"
+    "  --mime N        the store of MIME-heavy messages (HTML and text alternatives,\n"
+    "                  attachments, 8-bit charsets, encoded words; 1 KB to 16 KB) per client;\n"
+    "                  0: none (as many as --messages)\n"
     "  --clients LIST  eudora,internet,netscape,pegasus (all)\n"
     "  --repeat N      timed runs of cat, mmap and walk; the fastest counts (3)\n"
     "  --slow-repeat N timed runs of the rows that open every object, and mhhost's (1)\n"
@@ -42,6 +47,7 @@ const char kUsage[] =
 struct Options {
   uint64_t mixedMegabytes = 256;
   uint64_t everydayMessages = 100000;
+  int64_t mimeMessages = -1; // as many as everydayMessages
   std::vector<Client> clients;
   int repeat = 3;
   int slowRepeat = 1;
@@ -90,6 +96,8 @@ Options parseOptions(int argc, char **argv) {
       options.mixedMegabytes = std::strtoull(value().c_str(), nullptr, 10);
     else if (arg == "--messages")
       options.everydayMessages = std::strtoull(value().c_str(), nullptr, 10);
+    else if (arg == "--mime")
+      options.mimeMessages = static_cast<int64_t>(std::strtoull(value().c_str(), nullptr, 10));
     else if (arg == "--clients")
       options.clients = parseClients(value());
     else if (arg == "--repeat")
@@ -115,6 +123,8 @@ Options parseOptions(int argc, char **argv) {
     } else
       usage(("unknown option: " + arg).c_str());
   }
+  if (options.mimeMessages < 0)
+    options.mimeMessages = static_cast<int64_t>(options.everydayMessages);
   if (options.clients.empty())
     for (const ClientFormat &format : clientFormats())
       options.clients.push_back(format.client);
@@ -371,6 +381,15 @@ int main(int argc, char **argv) {
       everyday.mailboxes = 16;
       shapes.push_back(
           {"everyday", everyday, std::string(format.name) + ", everyday (about 5 KB)"});
+    }
+    if (options.mimeMessages > 0) {
+      StoreShape mime;
+      mime.messageCount = static_cast<uint64_t>(options.mimeMessages);
+      mime.minMessage = 1024;
+      mime.maxMessage = 16 * 1024;
+      mime.mailboxes = 16;
+      mime.mime = true;
+      shapes.push_back({"mime", mime, std::string(format.name) + ", MIME-heavy (about 5 KB)"});
     }
     for (const Shape &shape : shapes) {
       Store store;
