@@ -90,8 +90,9 @@ bool MessageLoader::readFrame(const ObjectRecord *record, size_t bodyLength,
   if (!readAt(record->offset, headerLength, headerBlock))
     return false;
   delimiterLine.clear();
-  if (framing_ == Framing::EudoraLine) {
-    // The range starts behind "From ???@???", on the rest of its line.
+  if (framing_ == Framing::EudoraLine && record->offset > 0) {
+    // The range starts behind "From ???@???", on the rest of its line; only what stands
+    // ahead of a file's first delimiter starts at 0.
     const size_t lineEnd = headerBlock.find('\n');
     const size_t taken = lineEnd == std::string::npos ? headerBlock.size() : lineEnd + 1;
     delimiterLine = headerBlock.substr(0, taken);

@@ -10,6 +10,7 @@
 
 #include <gmime/gmime.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <strings.h>
@@ -224,14 +225,21 @@ void readMessage(std::string_view headerBlock, std::string_view body, ReadMessag
     return;
   }
 
-  // Everything else: a parse of the whole message.
-  std::string whole;
-  whole.reserve(headerBlock.size() + body.size() + 2);
-  whole.append(headerBlock);
-  if (!whole.empty() && whole.back() != '\n')
-    whole += "\r\n\r\n";
-  whole.append(body);
-  const GPtr<GMimeStream> stream(g_mime_stream_mem_new_with_buffer(whole.data(), whole.size()));
+  // Everything else: a parse of the whole message, from one copy that the stream owns.
+  GByteArray *const bytes = g_byte_array_sized_new(
+      static_cast<guint>(std::min<size_t>(headerBlock.size() + body.size() + 4, G_MAXUINT)));
+  const auto append = [bytes](std::string_view piece) {
+    for (size_t at = 0; at < piece.size(); at += G_MAXUINT / 2) {
+      const std::string_view part = piece.substr(at, G_MAXUINT / 2);
+      g_byte_array_append(bytes, reinterpret_cast<const guint8 *>(part.data()),
+                          static_cast<guint>(part.size()));
+    }
+  };
+  append(headerBlock);
+  if (!headerBlock.empty() && headerBlock.back() != '\n')
+    append("\r\n\r\n");
+  append(body);
+  const GPtr<GMimeStream> stream(g_mime_stream_mem_new_with_byte_array(bytes));
   const GPtr<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
   g_mime_parser_set_format(parser.get(), GMIME_FORMAT_MESSAGE);
   const GPtr<GMimeMessage> parsed(g_mime_parser_construct_message(parser.get(), readerOptions()));
