@@ -119,6 +119,12 @@ private:
 
 } // namespace
 
+void blankControlCharacters(std::string &text) {
+  for (char &c : text)
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
+      c = ' ';
+}
+
 void appendCodePoint(uint32_t c, std::string &out) {
   if (c < 0x80) {
     out += static_cast<char>(c);

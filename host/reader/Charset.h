@@ -6,13 +6,16 @@
 #include <string_view>
 
 // `bytes` in `charset` (a MIME name such as "iso-8859-1"; empty when none is declared).
-// Undeclared, US-ASCII and unknown charsets: valid UTF-8 stays as it is and any other byte
-// is read as Windows-1252, which mail without a declaration mostly is. A byte sequence the
-// charset does not allow becomes U+FFFD.
+// Undeclared, US-ASCII, UTF-8 and unknown charsets: valid UTF-8 stays as it is and any other
+// byte is read as Windows-1252, which mail without a declaration (or with a wrong one) mostly
+// is. In any other charset a byte sequence the charset does not allow becomes U+FFFD.
 void appendUtf8(std::string_view bytes, std::string_view charset, std::string &out);
 
 // `bytes` as UTF-8 where they are, and each byte outside a valid sequence as Windows-1252.
 void appendUtf8OrWindows1252(std::string_view bytes, std::string &out);
+
+// The ASCII control characters of `text` (line ends too) as blanks: for a value on one line.
+void blankControlCharacters(std::string &text);
 
 // Appends the code point `c` (at most U+10FFFF) in UTF-8.
 void appendCodePoint(uint32_t c, std::string &out);

@@ -103,8 +103,6 @@ std::string decodedValue(std::string_view value) {
         g_mime_utils_header_decode_text(readerOptions(), line.c_str()), &g_free);
     appendUtf8OrWindows1252(decoded ? std::string_view(decoded.get()) : line, text);
   }
-  for (char &c : text)
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
-      c = ' ';
+  blankControlCharacters(text);
   return text;
 }

@@ -44,17 +44,17 @@ void readHeaderFields(const std::vector<HeaderField> &fields, ReadMessage &messa
   message.references = decodedValue(fieldValue(fields, "References"));
 }
 
-std::string streamBytes(GMimeStream *stream) {
-  std::string bytes;
+// Feeds the content of a GMime stream to `decoder` a piece at a time.
+void decodeStream(GMimeStream *stream, TransferDecoder &decoder, const TakeBytes &take) {
   g_mime_stream_reset(stream);
   char buffer[16384];
   for (;;) {
     const ssize_t got = g_mime_stream_read(stream, buffer, sizeof buffer);
     if (got <= 0)
       break;
-    bytes.append(buffer, static_cast<size_t>(got));
+    decoder.feed(std::string_view(buffer, static_cast<size_t>(got)), take);
   }
-  return bytes;
+  decoder.finish(take);
 }
 
 // Walks a parsed MIME tree with a stack of its own: a nest of any depth costs heap, not
@@ -147,14 +147,13 @@ private:
     GMimeDataWrapper *const content = g_mime_part_get_content(part);
     if (content == nullptr)
       return;
-    const std::string encoded = streamBytes(g_mime_data_wrapper_get_stream(content));
-    const char *const encoding =
-        g_mime_content_encoding_to_string(g_mime_data_wrapper_get_encoding(content));
+    TransferDecoder decoder(
+        orEmpty(g_mime_content_encoding_to_string(g_mime_data_wrapper_get_encoding(content))));
     const std::unique_ptr<char, decltype(&g_free)> mimeType(
         g_mime_content_type_get_mime_type(type), &g_free);
     MailAttachment found;
     std::string decoded;
-    decodeTransfer(encoded, orEmpty(encoding), [&](std::string_view piece) {
+    decodeStream(g_mime_data_wrapper_get_stream(content), decoder, [&](std::string_view piece) {
       found.size += piece.size();
       if (text)
         decoded.append(piece);
@@ -166,9 +165,7 @@ private:
       return;
     }
     appendUtf8OrWindows1252(orEmpty(filename), found.name);
-    for (char &c : found.name)
-      if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
-        c = ' ';
+    blankControlCharacters(found.name);
     appendUtf8OrWindows1252(orEmpty(mimeType.get()), found.type);
     message_.attachments.push_back(std::move(found));
     if (text)
@@ -215,12 +212,18 @@ void readMessage(std::string_view headerBlock, std::string_view body, ReadMessag
   readHeaderFields(fields, message);
 
   std::string mimeType, charset;
-  const bool attached =
-      unfoldedValue(fieldValue(fields, "Content-Disposition")).compare(0, 10, "attachment") == 0;
+  const std::string disposition = unfoldedValue(fieldValue(fields, "Content-Disposition"));
+  const bool attached = strncasecmp(disposition.c_str(), "attachment", 10) == 0;
   if (!attached && isSingleText(fieldValue(fields, "Content-Type"), mimeType, charset)) {
+    TransferDecoder decoder(unfoldedValue(fieldValue(fields, "Content-Transfer-Encoding")));
+    if (!decoder.decodes()) {
+      appendPartText(body, mimeType, charset, message.text, message.attachments);
+      return;
+    }
     std::string decoded;
-    decodeTransfer(body, unfoldedValue(fieldValue(fields, "Content-Transfer-Encoding")),
-                   [&](std::string_view piece) { decoded.append(piece); });
+    const TakeBytes take = [&](std::string_view piece) { decoded.append(piece); };
+    decoder.feed(body, take);
+    decoder.finish(take);
     appendPartText(decoded, mimeType, charset, message.text, message.attachments);
     return;
   }

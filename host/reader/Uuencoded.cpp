@@ -45,11 +45,11 @@ int uuLineBytes(std::string_view line) {
 
 } // namespace
 
-void takeUuencodedFiles(std::string &text, std::vector<MailAttachment> &attachments) {
-  if (text.find("begin ") == std::string::npos)
+void takeUuencodedFiles(std::string &text, size_t from, std::vector<MailAttachment> &attachments) {
+  if (text.find("begin ", from) == std::string::npos)
     return;
   std::string kept;
-  size_t start = 0, copied = 0;
+  size_t start = from, copied = 0;
   while (start < text.size()) {
     size_t next = 0;
     const std::string_view name = beginName(lineAt(text, start, next));
@@ -79,6 +79,7 @@ void takeUuencodedFiles(std::string &text, std::vector<MailAttachment> &attachme
     }
     MailAttachment file;
     appendUtf8OrWindows1252(name, file.name);
+    blankControlCharacters(file.name);
     file.type = "application/octet-stream";
     file.size = size;
     attachments.push_back(std::move(file));
@@ -86,7 +87,7 @@ void takeUuencodedFiles(std::string &text, std::vector<MailAttachment> &attachme
     copied = start = at;
   }
   if (copied == 0)
-    return;
+    return; // nothing taken
   kept.append(text, copied, std::string::npos);
   text = std::move(kept);
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
-// Takes each whole uuencoded block out of `text` and adds it to `attachments` by its name and
-// decoded size. A block without its "end" line, or with a line that is no uuencode, stays.
-void takeUuencodedFiles(std::string &text, std::vector<MailAttachment> &attachments);
+// Takes each whole uuencoded block out of `text` from the line at `from` on, and adds it to
+// `attachments` by its name and decoded size. A block without its "end" line, or with a line
+// that is no uuencode, stays.
+void takeUuencodedFiles(std::string &text, size_t from, std::vector<MailAttachment> &attachments);
