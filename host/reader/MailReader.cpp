@@ -199,6 +199,7 @@ bool isSingleText(std::string_view contentType, std::string &mimeType, std::stri
 void readRawBody(std::string_view body, ReadMessage &message) {
   message.decoded = false;
   message.text.clear();
+  message.attachmentText.clear();
   message.attachments.clear();
   appendUtf8OrWindows1252(body, message.text);
 }

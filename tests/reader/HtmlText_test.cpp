@@ -1,3 +1,4 @@
+// HTML as the text a reader sees: what mail pages hold, and pages built to be deep or slow.
 #include "host/reader/HtmlText.h"
 
 #include "host/reader/Charset.h"
