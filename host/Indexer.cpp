@@ -2,7 +2,6 @@
 #include "host/Indexer.h"
 
 #include "host/MessageLoader.h"
-#include "host/OpenedObject.h"
 #include "host/StoreWalk.h"
 
 #include <algorithm>
@@ -181,25 +180,17 @@ private:
     }
   }
 
-  // Stored objects the walk did not give again stay while they still open.
+  // Stored objects the walk did not give again are gone: an object that still opens is no
+  // proof, since the range of a message that has grown since still holds its old bytes.
   void finishMailbox(MailboxWork &work) {
     if (!work.storedLoaded)
       loadStored(work);
-    RecordBuffer record;
-    uint64_t remaining = work.report.added + work.report.unchanged;
+    const uint64_t remaining = work.report.added + work.report.unchanged;
     for (size_t i = 0; i < work.stored.size() && db_.ok(); ++i) {
       if (work.storedSeen[i])
         continue;
-      const StoredObject &object = work.stored[i];
-      const bool stillOpens = record.assign(object.record.data(), object.record.size()) &&
-                              OpenedObject(entries_, record.get()).isOpen();
-      if (stillOpens) {
-        ++work.report.unchanged;
-        ++remaining;
-      } else {
-        db_.removeObject(object.id);
-        ++work.report.removed;
-      }
+      db_.removeObject(work.stored[i].id);
+      ++work.report.removed;
     }
     if (remaining == 0)
       db_.removeMailbox(work.id);

@@ -2,12 +2,11 @@
 //
 // First run: every object the walk gives is opened, its body read with its header block, both
 // read as a person reads them (MessageLoader), and its record, times, decoded fields and text
-// are stored. Later runs ask keepObject once per stored
-// mailbox (all records of a mailbox share its stamp) and compare the mailbox file's state:
-// an unchanged mailbox is not read again. The store is walked only when a mailbox changed
-// or the tree below the mail directory did (a mailbox may have been added); then only new
-// records are opened, and stored records of changed mailboxes that the walk did not give
-// again are dropped when they no longer open.
+// are stored. Later runs ask keepObject once per stored mailbox (all records of a mailbox
+// share its stamp) and compare the mailbox file's state: an unchanged mailbox is not read
+// again. The store is walked only when a mailbox changed or the tree below the mail directory
+// did (a mailbox may have been added); then only new records are opened, and stored records
+// of changed mailboxes that the walk did not give again are dropped.
 #pragma once
 
 #include "agent/AgentAbi.h"
