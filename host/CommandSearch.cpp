@@ -81,9 +81,7 @@ int runSearch(const CommandLine &line, const HostSettings &settings) {
     return reportError(error);
   std::vector<SearchHit> hits;
   if (!db->search(query, hits, error))
-    return reportUsageError("search", "the query can't be read (" + error +
-                                          "); put words with punctuation in double quotes, "
-                                          "e.g. from:\"ann@example.org\"");
+    return reportUsageError("search", "the query can't be read: " + error);
   if (!db->ok())
     return reportError(db->errorText());
   for (const SearchHit &hit : hits)

@@ -98,7 +98,8 @@ public:
   void removeObject(int64_t object);
 
   // ---- searching (IndexQueries.cpp)
-  // False with `error` for a query FTS5 can't read; other errors go to ok()/errorText().
+  // False with `error` for a query that can't be read, said in the query's words; other
+  // errors go to ok()/errorText().
   bool search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error);
   bool findObject(int64_t id, IndexedObject &object);
 

@@ -3,6 +3,41 @@
 
 #include "host/IndexStatements.h"
 
+namespace {
+
+// What the full-text engine says of a query it can't read, in the words of the query. Its own
+// messages name its internals ("fts5", columns).
+std::string queryProblem(const std::string &engineMessage, const std::string &query) {
+  const auto after = [&](const char *prefix) -> const char * {
+    const size_t length = std::char_traits<char>::length(prefix);
+    return engineMessage.compare(0, length, prefix) == 0 ? engineMessage.c_str() + length
+                                                         : nullptr;
+  };
+  if (const char *name = after("no such column: ")) {
+    // The engine reads "a-b" as the column b as well: only a name the person wrote is one.
+    if (query.find(std::string(name) + ":") != std::string::npos)
+      return std::string(name) + ": is no field (they are subject:, from:, to:, cc:, body: "
+                                 "and attachment:)";
+    return "a word with punctuation goes in double quotes, as in \"quarterly-report\" or "
+           "from:\"ann@example.org\"";
+  }
+  if (after("unterminated string"))
+    return "a double quote is not closed";
+  if (after("unknown special query"))
+    return "a * belongs at the end of a word, as in garden*";
+  if (const char *near = after("fts5: syntax error near ")) {
+    const std::string token(near);
+    if (token == "\"\"")
+      return "the query ends too early: a word is missing after AND, OR or NOT, or a "
+             "parenthesis is not closed";
+    return token + " is out of place (AND, OR and NOT stand between words; put a word that is "
+                   "one of them in double quotes)";
+  }
+  return "it is no query mhhost can read";
+}
+
+} // namespace
+
 bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error) {
   // Not kept: its snippet marks change from call to call. bm25 weights are the table's rank.
   Statement select(*connection_, R"sql(
@@ -43,7 +78,7 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
   // FTS5 reports a query it can't read as a plain SQLITE_ERROR: the person's mistake, not
   // the database's.
   if (connection_->errorStatus() == SQLITE_ERROR) {
-    error = connection_->errorMessage();
+    error = queryProblem(connection_->errorMessage(), query.match);
     connection_->clearError();
     return false;
   }

@@ -62,11 +62,25 @@ TEST_F(HostErrorsTest, EveryCommandHasItsHelp) {
   EXPECT_NE(std::string::npos, general.out.find("search QUERY"));
 }
 
-TEST_F(HostErrorsTest, AQueryFts5CantReadIsAUsageError) {
+// A query that can't be read is the person's mistake, told in the words of the query: no
+// word of the engine's reaches them.
+TEST_F(HostErrorsTest, AnUnreadableQueryIsAUsageErrorInTheQuerysWords) {
   indexOneMessage();
-  const HostResult run = host({"search", "ann@example.org"});
-  EXPECT_EQ(2, run.status);
-  EXPECT_NE(std::string::npos, run.err.find("double quotes")) << run.err;
+  const struct {
+    const char *query, *said;
+  } cases[] = {
+      {"ann@example.org", "double quotes"},   {"foo-bar", "double quotes"},
+      {"foo:bar", "foo: is no field"},        {"\"unclosed", "double quote is not closed"},
+      {"AND", "\"AND\" is out of place"},     {"garden OR", "ends too early"},
+      {"*x", "at the end of a word"},
+  };
+  for (const auto &c : cases) {
+    const HostResult run = host({"search", c.query});
+    EXPECT_EQ(2, run.status) << c.query;
+    EXPECT_NE(std::string::npos, run.err.find(c.said)) << run.err;
+    for (const char *internal : {"fts5", "column", "syntax error", "unterminated"})
+      EXPECT_EQ(std::string::npos, run.err.find(internal)) << run.err;
+  }
   EXPECT_EQ(1u, searchJson("from:\"ann@example.org\"").size());
 }
 
