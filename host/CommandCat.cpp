@@ -4,24 +4,23 @@
 #include "host/Commands.h"
 #include "host/ExitStatus.h"
 #include "host/MessageLoader.h"
+#include "host/Terminal.h"
 #include "host/TimeText.h"
+#include "host/VisibleText.h"
 
 #include <cstdio>
 
 namespace {
 
-// What a reader shows holds no control character but line ends and tabs: a byte of the mail
-// must not steer the terminal.
+// The view goes to a terminal or a pager: line ends as line feeds, and what the mail holds
+// never acts on the terminal.
 std::string printable(const std::string &text) {
-  std::string shown;
-  shown.reserve(text.size());
-  for (const char c : text) {
-    const unsigned char byte = static_cast<unsigned char>(c);
-    if (c == '\r')
-      continue;
-    shown += byte < 0x20 && c != '\n' && c != '\t' ? ' ' : byte == 0x7F ? ' ' : c;
-  }
-  return shown;
+  std::string lines;
+  lines.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i)
+    if (text[i] != '\r' || i + 1 >= text.size() || text[i + 1] != '\n')
+      lines += text[i];
+  return visibleText(lines);
 }
 
 std::string sizeText(uint64_t bytes) {
@@ -70,7 +69,10 @@ int runCat(const CommandLine &line, const HostSettings &settings) {
     return reportError("message " + std::to_string(hit.id) + " can't be read in " +
                        hit.record.path() +
                        ": the mailbox changed since it was indexed; run mhhost index");
-  const std::string out = line.has("raw") ? loaded.body : readerView(loaded.message);
+  // Raw bytes are the bytes as stored, but for a terminal, which they could steer.
+  const std::string out = !line.has("raw")             ? readerView(loaded.message)
+                          : standardOutputIsTerminal() ? visibleText(loaded.body)
+                                                       : loaded.body;
   if (std::fwrite(out.data(), 1, out.size(), stdout) != out.size() || std::fflush(stdout) != 0)
     return reportError("cannot write the message to standard output");
   return kExitOk;

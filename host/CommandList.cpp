@@ -6,6 +6,7 @@
 #include "host/OpenedObject.h"
 #include "host/StoreWalk.h"
 #include "host/TimeText.h"
+#include "host/VisibleText.h"
 
 #include <cstdio>
 
@@ -39,7 +40,7 @@ int runList(const CommandLine &line, const HostSettings &settings) {
       std::printf(
           "%s\t%lu\t%lu\t%08lx\t%s\t%s\n", path.c_str(), static_cast<unsigned long>(record->offset),
           static_cast<unsigned long>(record->length), static_cast<unsigned long>(record->checksum),
-          formatDate(time != -1, time).c_str(), fields.subject.c_str());
+          formatDate(time != -1, time).c_str(), visibleText(fields.subject).c_str());
   }
   if (walk.count() == 0)
     std::fprintf(stderr, "the agent finds no message below %s\n", mailDirectory.c_str());

@@ -5,6 +5,7 @@
 #include "host/Json.h"
 #include "host/Terminal.h"
 #include "host/TimeText.h"
+#include "host/VisibleText.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -37,10 +38,22 @@ bool readLimit(const std::string &text, int64_t &limit) {
   return limit > 0;
 }
 
-void printHit(const SearchHit &hit) {
+// The snippet's marks: private-use characters, which mail text does not hold, so that what
+// the mail holds is made visible first and only our marks become the terminal's bold.
+const char kMarkStart[] = "\xEE\x80\x80", kMarkEnd[] = "\xEE\x80\x81";
+
+std::string replaced(std::string text, const std::string &from, const std::string &to) {
+  for (size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size())
+    text.replace(at, from.size(), to);
+  return text;
+}
+
+void printHit(const SearchHit &hit, const std::string &markStart, const std::string &markEnd) {
+  const std::string snippet = replaced(
+      replaced(oneLine(visibleText(hit.snippet)), kMarkStart, markStart), kMarkEnd, markEnd);
   std::printf("%lld  %s  %s  %s\n    %s\n", static_cast<long long>(hit.id),
-              formatDate(hit.hasDate, hit.date).c_str(), oneLine(hit.from).c_str(), oneLine(hit.subject).c_str(),
-              oneLine(hit.snippet).c_str());
+              formatDate(hit.hasDate, hit.date).c_str(), oneLine(visibleText(hit.from)).c_str(),
+              oneLine(visibleText(hit.subject)).c_str(), snippet.c_str());
 }
 
 void printJsonHit(const SearchHit &hit) {
@@ -67,12 +80,10 @@ int runSearch(const CommandLine &line, const HostSettings &settings) {
     return reportUsageError("search", "--until wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
   query.dated = line.has("since") || line.has("until");
   const bool json = line.has("json");
-  if (!json && standardOutputIsTerminal()) {
-    query.markStart = "\033[1m";
-    query.markEnd = "\033[0m";
-  } else if (!json) {
-    query.markStart = "[";
-    query.markEnd = "]";
+  const bool bold = standardOutputIsTerminal();
+  if (!json) {
+    query.markStart = kMarkStart;
+    query.markEnd = kMarkEnd;
   }
   std::string error;
   const std::unique_ptr<IndexDb> db =
@@ -85,7 +96,7 @@ int runSearch(const CommandLine &line, const HostSettings &settings) {
   if (!db->ok())
     return reportError(db->errorText());
   for (const SearchHit &hit : hits)
-    json ? printJsonHit(hit) : printHit(hit);
+    json ? printJsonHit(hit) : printHit(hit, bold ? "\033[1m" : "[", bold ? "\033[0m" : "]");
   if (hits.empty() && !json)
     std::fprintf(stderr, "no hits\n");
   return kExitOk;

@@ -8,6 +8,7 @@
 #include "host/RecordBuffer.h"
 #include "host/Terminal.h"
 #include "host/TerminalUser.h"
+#include "host/VisibleText.h"
 
 #include <cstdio>
 
@@ -43,11 +44,17 @@ std::string terminalLines(const std::string &text) {
   return lines;
 }
 
+// The window shows the message as stored; drawn on a terminal, what it holds is made visible
+// so that it can't steer the terminal.
 void renderViewEmail(TukWindow dialog, bool mayAsk) {
+  const bool terminal = standardOutputIsTerminal();
+  const auto shown = [terminal, dialog](int id) {
+    const std::string text = terminalLines(windowText(tukWindowFindChild(dialog, id)));
+    return terminal ? visibleText(text) : text;
+  };
   for (const ViewRow &row : kHeaderRows)
-    std::printf("%s: %s\n", row.label,
-                terminalLines(windowText(tukWindowFindChild(dialog, row.id))).c_str());
-  const std::string body = terminalLines(windowText(tukWindowFindChild(dialog, kBodyId)));
+    std::printf("%s: %s\n", row.label, shown(row.id).c_str());
+  const std::string body = shown(kBodyId);
   std::printf("\n%s%s", body.c_str(), body.empty() || body.back() == '\n' ? "" : "\n");
   std::fflush(stdout);
   std::string ignored;

@@ -21,7 +21,13 @@ std::string jsonString(const std::string &bytes) {
   std::string out;
   out.reserve(text.size() + 2);
   out += '"';
-  for (const char c : text) {
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    // The C1 controls are valid JSON, but a terminal showing the line may obey them.
+    if (c == '\xC2' && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0) {
+      appendEscape(out, static_cast<unsigned char>(text[++i]));
+      continue;
+    }
     switch (c) {
     case '"':
       out += "\\\"";

@@ -209,10 +209,13 @@ TEST_F(HostErrorsTest, AHitWhoseMessageMovedIsToldByTheAgent) {
   EXPECT_EQ(1, host({"show", "999"}).status);
 }
 
-TEST_F(HostErrorsTest, JsonLinesEscapeWhatTheMailHolds) {
+// Nothing the mail holds steers the terminal: hit lines and the reader's view show control
+// characters for what they are, JSON escapes them, and odd bytes are read as Windows-1252.
+TEST_F(HostErrorsTest, WhatTheMailHoldsIsShownNeverObeyed) {
   TestMessage odd = kNote;
   odd.subject = std::string("Quote \" back\\slash tab\t bell\x07 caf\xc3\xa9 latin\xe9 end");
   odd.from = "\"Lee, Ann\" <ann@example.org>";
+  odd.body = "red \x1b[31mink\x1b[0m, a title \x1b]0;owned\x07 and a C1 \xc2\x9b" "2J clear\n";
   writeMailbox("eudora", dir.file("mail/In"), {odd});
   setRegistryValue("eudora", "MailPath", dir.file("mail"));
   ASSERT_EQ(0, host({"--client", "eudora", "index"}).status);
@@ -223,6 +226,21 @@ TEST_F(HostErrorsTest, JsonLinesEscapeWhatTheMailHolds) {
   EXPECT_EQ("Quote \" back\\slash tab bell  caf\xc3\xa9 latin\xc3\xa9 end",
             hits[0].strings.at("subject"));
   EXPECT_EQ(odd.from, hits[0].strings.at("from"));
+
+  const HostResult line = host({"search", "red"});
+  const HostResult json = host({"search", "red", "--json"});
+  const HostResult view = host({"cat", std::to_string(hits[0].numbers.at("id"))});
+  for (const HostResult *run : {&line, &view}) {
+    EXPECT_EQ(std::string::npos, run->out.find_first_of("\x1b\x07")) << run->out;
+    EXPECT_EQ(std::string::npos, run->out.find("\xc2\x9b")) << run->out;
+  }
+  EXPECT_NE(std::string::npos, line.out.find("[red] ^[[31mink^[[0m")) << line.out;
+  EXPECT_NE(std::string::npos, view.out.find("title ^[]0;owned^G and a C1 \\u009b2J")) << view.out;
+  EXPECT_NE(std::string::npos, json.out.find("\\u001b[31m")) << json.out;
+  EXPECT_NE(std::string::npos, json.out.find("\\u009b")) << json.out;
+  // The bytes as stored, for a file or a pipe.
+  EXPECT_NE(std::string::npos,
+            host({"cat", "--raw", std::to_string(hits[0].numbers.at("id"))}).out.find("\x1b]0;"));
 }
 
 } // namespace
