@@ -28,9 +28,11 @@ void printStats(const IndexSummary &summary) {
   else
     std::printf("walk: %llu objects\n", static_cast<unsigned long long>(summary.walkedObjects));
   for (const MailboxReport &mailbox : summary.mailboxes)
-    std::printf("read %s: %llu new, %llu unchanged, %llu removed, %llu unreadable, %llu raw\n",
+    std::printf("read %s: %llu new, %llu unchanged, %llu moved, %llu removed, %llu unreadable, "
+                "%llu raw\n",
                 mailbox.path.c_str(), static_cast<unsigned long long>(mailbox.added),
                 static_cast<unsigned long long>(mailbox.unchanged),
+                static_cast<unsigned long long>(mailbox.moved),
                 static_cast<unsigned long long>(mailbox.removed),
                 static_cast<unsigned long long>(mailbox.failed),
                 static_cast<unsigned long long>(mailbox.raw));
@@ -39,10 +41,11 @@ void printStats(const IndexSummary &summary) {
 void printSummary(const IndexSummary &summary, double seconds) {
   const double megabytes = static_cast<double>(summary.bytes) / 1e6;
   const uint64_t mailboxes = summary.mailboxesRead + summary.mailboxesUnchanged;
-  std::printf("indexed: %llu new, %llu unchanged, %llu removed, %llu unreadable, %llu raw; %llu "
-              "of %llu mailboxes read; %llu bytes in %.3f s, %.2f MB/s\n",
+  std::printf("indexed: %llu new, %llu unchanged, %llu moved, %llu removed, %llu unreadable, "
+              "%llu raw; %llu of %llu mailboxes read; %llu bytes in %.3f s, %.2f MB/s\n",
               static_cast<unsigned long long>(summary.added),
               static_cast<unsigned long long>(summary.unchanged),
+              static_cast<unsigned long long>(summary.moved),
               static_cast<unsigned long long>(summary.removed),
               static_cast<unsigned long long>(summary.failed),
               static_cast<unsigned long long>(summary.raw),

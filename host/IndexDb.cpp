@@ -28,7 +28,8 @@ CREATE TABLE agents(
 
 // `time` is the agent's time of a message; `date` its true time in UTC from the Date header
 // or the delimiter line, NULL when it has none. `decoded` is 0 for a message whose MIME
-// structure could not be read: its raw body was indexed.
+// structure could not be read: its raw body was indexed. `hash` is a strong hash of the
+// message's bytes, by which it is known again when it moved. An id is never given twice.
 const char kSchema[] = R"sql(
 CREATE TABLE mailboxes(
   id INTEGER PRIMARY KEY,
@@ -38,7 +39,7 @@ CREATE TABLE mailboxes(
   UNIQUE(agent, path)
 );
 CREATE TABLE objects(
-  id INTEGER PRIMARY KEY,
+  id INTEGER PRIMARY KEY AUTOINCREMENT,
   mailbox INTEGER NOT NULL REFERENCES mailboxes(id),
   offset INTEGER NOT NULL,
   length INTEGER NOT NULL,
@@ -50,7 +51,8 @@ CREATE TABLE objects(
   decoded INTEGER NOT NULL,
   message_id TEXT NOT NULL,
   in_reply_to TEXT NOT NULL,
-  refs TEXT NOT NULL
+  refs TEXT NOT NULL,
+  hash INTEGER NOT NULL
 );
 CREATE INDEX objects_of_mailbox ON objects(mailbox);
 CREATE VIRTUAL TABLE texts USING fts5(subject, "from", "to", cc, body, attachment,

@@ -31,6 +31,7 @@ struct StoredMailbox {
 struct StoredObject {
   int64_t id = 0;
   uint32_t offset = 0, length = 0, checksum = 0;
+  uint64_t hash = 0;
   std::string record;
 };
 
@@ -92,9 +93,12 @@ public:
   std::vector<StoredObject> objects(int64_t mailbox);
   // `message` as read, its text searched as `body`; `raw` when its raw body stands for
   // the text.
-  int64_t addObject(int64_t mailbox, const RecordBuffer &record, int32_t agentTime,
+  int64_t addObject(int64_t mailbox, const RecordBuffer &record, int32_t agentTime, uint64_t hash,
                     const ReadMessage &message, const std::string &body);
   void replaceRecord(int64_t object, const RecordBuffer &record);
+  // The same bytes found at another place, in the same mailbox or another: the object keeps
+  // its id and text, and takes the new place's record.
+  void moveObject(int64_t object, int64_t mailbox, const RecordBuffer &record);
   void removeObject(int64_t object);
 
   // ---- searching (IndexQueries.cpp)
@@ -102,6 +106,8 @@ public:
   // errors go to ok()/errorText().
   bool search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error);
   bool findObject(int64_t id, IndexedObject &object);
+  // Whether `id` was ever given to an object (which may be gone since).
+  bool wasGiven(int64_t id);
 
 private:
   IndexDb(std::unique_ptr<SqliteConnection> connection, std::string path);

@@ -97,3 +97,8 @@ bool IndexDb::findObject(int64_t id, IndexedObject &object) {
   object.record = select.blob(2);
   return true;
 }
+
+bool IndexDb::wasGiven(int64_t id) {
+  Statement select(*connection_, "SELECT seq FROM sqlite_sequence WHERE name = 'objects'");
+  return select.step() && id <= select.integer(0);
+}

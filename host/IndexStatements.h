@@ -7,6 +7,6 @@ struct IndexDb::Statements {
   std::unique_ptr<Statement> agentKeys, findAgent, insertAgent, treeState, setTreeState;
   std::unique_ptr<Statement> mailboxes, insertMailbox, setFileState, deleteMailbox;
   std::unique_ptr<Statement> objects, insertObject, insertText, replaceRecord;
-  std::unique_ptr<Statement> deleteObject, deleteText;
+  std::unique_ptr<Statement> deleteObject, deleteText, moveObject;
   std::unique_ptr<Statement> findObject;
 };

@@ -75,8 +75,8 @@ void IndexDb::removeMailbox(int64_t mailbox) {
 
 std::vector<StoredObject> IndexDb::objects(int64_t mailbox) {
   Statement &select =
-      prepared(statements_->objects, "SELECT id, offset, length, checksum, record FROM objects "
-                                     "WHERE mailbox = ? ORDER BY id");
+      prepared(statements_->objects, "SELECT id, offset, length, checksum, record, hash "
+                                     "FROM objects WHERE mailbox = ? ORDER BY id");
   std::vector<StoredObject> found;
   select.bind(1, mailbox);
   while (select.step()) {
@@ -86,17 +86,18 @@ std::vector<StoredObject> IndexDb::objects(int64_t mailbox) {
     object.length = static_cast<uint32_t>(select.integer(2));
     object.checksum = static_cast<uint32_t>(select.integer(3));
     object.record = select.blob(4);
+    object.hash = static_cast<uint64_t>(select.integer(5));
     found.push_back(std::move(object));
   }
   return found;
 }
 
 int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t agentTime,
-                           const ReadMessage &message, const std::string &body) {
+                           uint64_t hash, const ReadMessage &message, const std::string &body) {
   Statement &insert = prepared(
       statements_->insertObject,
       "INSERT INTO objects(mailbox, offset, length, checksum, time, stamp, record, date, "
-      "decoded, message_id, in_reply_to, refs) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+      "decoded, message_id, in_reply_to, refs, hash) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
   insert.bind(1, mailbox)
       .bind(2, record->offset)
       .bind(3, record->length)
@@ -110,6 +111,7 @@ int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t 
            .bindStatic(10, message.messageId.data(), message.messageId.size())
            .bindStatic(11, message.inReplyTo.data(), message.inReplyTo.size())
            .bindStatic(12, message.references.data(), message.references.size())
+           .bind(13, static_cast<int64_t>(hash))
            .run())
     return 0;
   const int64_t id = sqlite3_last_insert_rowid(connection_->handle());
@@ -136,6 +138,17 @@ void IndexDb::replaceRecord(int64_t object, const RecordBuffer &record) {
       .bind(1, record->mailboxStamp)
       .bindBlob(2, record.bytes(), record.filledSize())
       .bind(3, object)
+      .run();
+}
+
+void IndexDb::moveObject(int64_t object, int64_t mailbox, const RecordBuffer &record) {
+  prepared(statements_->moveObject, "UPDATE objects SET mailbox = ?, offset = ?, stamp = ?, "
+                                    "record = ? WHERE id = ?")
+      .bind(1, mailbox)
+      .bind(2, record->offset)
+      .bind(3, record->mailboxStamp)
+      .bindBlob(4, record.bytes(), record.filledSize())
+      .bind(5, object)
       .run();
 }
 

@@ -41,6 +41,25 @@ struct MailboxWork {
   MailboxReport report;
 };
 
+// Where a stored object of a changed mailbox may have gone: its length and checksum.
+struct SizeAndSum {
+  uint32_t length, checksum;
+  bool operator==(const SizeAndSum &other) const {
+    return length == other.length && checksum == other.checksum;
+  }
+};
+
+struct SizeAndSumHash {
+  size_t operator()(const SizeAndSum &key) const {
+    return ObjectKeyHash()(ObjectKey{0, key.length, key.checksum});
+  }
+};
+
+struct StoredPlace {
+  MailboxWork *work;
+  size_t index;
+};
+
 int64_t scannedState(const StoreTree &tree, const std::string &path) {
   const auto found = tree.fileStates.find(path);
   return found != tree.fileStates.end() ? found->second : fileStateOf(path);
@@ -58,6 +77,10 @@ public:
     if (works_.empty() && db_.treeState(agent_) == tree_.fingerprint)
       return;
     summary_.walked = true;
+    // Every changed mailbox's objects are known before the walk: an object may turn up in
+    // another mailbox, renamed or moved, or further on in its own.
+    for (const std::unique_ptr<MailboxWork> &work : works_)
+      loadStored(*work);
     walkStore();
     if (!db_.ok())
       return;
@@ -137,6 +160,7 @@ private:
     for (size_t i = 0; i < work.stored.size(); ++i) {
       const StoredObject &object = work.stored[i];
       work.storedByKey.emplace(ObjectKey{object.offset, object.length, object.checksum}, i);
+      movable_.emplace(SizeAndSum{object.length, object.checksum}, StoredPlace{&work, i});
     }
   }
 
@@ -146,15 +170,42 @@ private:
     const ObjectKey key{record->offset, record->length, record->checksum};
     if (!work.walked.insert(key).second)
       return; // given twice, after a restart of the walk
+    // A stored object with this place or these bytes' length and checksum is confirmed by
+    // the hash of the bytes; a message like none stored is read without hashing it twice.
     const auto stored = work.storedByKey.find(key);
-    if (stored != work.storedByKey.end()) {
+    const bool candidate = stored != work.storedByKey.end() ||
+                           movable_.count(SizeAndSum{record->length, record->checksum}) != 0;
+    uint64_t hash = 0;
+    if (!candidate || !loader_.hashOf(record, hash)) {
+      addObject(work, record);
+      return;
+    }
+    if (stored != work.storedByKey.end() && !work.storedSeen[stored->second] &&
+        hash == work.stored[stored->second].hash) {
       // The same bytes at the same place: the object stays; its record takes the new stamp.
       work.storedSeen[stored->second] = true;
       db_.replaceRecord(work.stored[stored->second].id, record);
       ++work.report.unchanged;
       return;
     }
-    addObject(work, record);
+    if (!takeMoved(work, record, hash))
+      addObject(work, record);
+  }
+
+  // The same bytes at another place keep their object, its id and its text: nothing is read.
+  bool takeMoved(MailboxWork &work, const RecordBuffer &record, uint64_t hash) {
+    const auto candidates = movable_.equal_range(SizeAndSum{record->length, record->checksum});
+    for (auto candidate = candidates.first; candidate != candidates.second; ++candidate) {
+      MailboxWork &from = *candidate->second.work;
+      const size_t index = candidate->second.index;
+      if (from.storedSeen[index] || from.stored[index].hash != hash)
+        continue;
+      from.storedSeen[index] = true;
+      db_.moveObject(from.stored[index].id, work.id, record);
+      ++work.report.moved;
+      return true;
+    }
+    return false;
   }
 
   void addObject(MailboxWork &work, const RecordBuffer &record) {
@@ -172,7 +223,7 @@ private:
     for (char *zero = &text_[0];
          (zero = static_cast<char *>(std::memchr(zero, '\0', static_cast<size_t>(end - zero))));)
       *zero++ = ' ';
-    if (db_.addObject(work.id, record, loaded_.agentTime, message, text_) != 0) {
+    if (db_.addObject(work.id, record, loaded_.agentTime, loaded_.hash, message, text_) != 0) {
       ++work.report.added;
       work.report.raw += message.decoded ? 0 : 1;
       ++addedSoFar_;
@@ -185,7 +236,7 @@ private:
   void finishMailbox(MailboxWork &work) {
     if (!work.storedLoaded)
       loadStored(work);
-    const uint64_t remaining = work.report.added + work.report.unchanged;
+    const uint64_t remaining = work.report.added + work.report.unchanged + work.report.moved;
     for (size_t i = 0; i < work.stored.size() && db_.ok(); ++i) {
       if (work.storedSeen[i])
         continue;
@@ -198,6 +249,7 @@ private:
       db_.setFileState(work.id, work.fileState);
     summary_.added += work.report.added;
     summary_.unchanged += work.report.unchanged;
+    summary_.moved += work.report.moved;
     summary_.removed += work.report.removed;
     summary_.failed += work.report.failed;
     summary_.raw += work.report.raw;
@@ -214,6 +266,7 @@ private:
   std::unordered_set<std::string> unchangedPaths_;
   std::vector<std::unique_ptr<MailboxWork>> works_;
   std::unordered_map<std::string, MailboxWork *> workByPath_;
+  std::unordered_multimap<SizeAndSum, StoredPlace, SizeAndSumHash> movable_;
   MessageLoader loader_;
   LoadedMessage loaded_;
   std::string text_;

@@ -5,8 +5,11 @@
 // are stored. Later runs ask keepObject once per stored mailbox (all records of a mailbox
 // share its stamp) and compare the mailbox file's state: an unchanged mailbox is not read
 // again. The store is walked only when a mailbox changed or the tree below the mail directory
-// did (a mailbox may have been added); then only new records are opened, and stored records
-// of changed mailboxes that the walk did not give again are dropped.
+// did (a mailbox may have been added); then the bytes of each record are hashed: a stored
+// object whose bytes stand at the same place or turn up at another (a message further on in
+// a mailbox after a deletion, a mailbox renamed or moved) keeps its id and is not read again;
+// only new records are opened, and stored records that the walk did not give again are
+// dropped.
 #pragma once
 
 #include "agent/AgentAbi.h"
@@ -22,11 +25,12 @@
 struct MailboxReport {
   std::string path;
   uint64_t added = 0, unchanged = 0, removed = 0, failed = 0;
-  uint64_t raw = 0; // of those added: indexed from the raw body, the MIME being unreadable
+  uint64_t moved = 0; // found again at another place: kept, not read
+  uint64_t raw = 0;   // of those added: indexed from the raw body, the MIME being unreadable
 };
 
 struct IndexSummary {
-  uint64_t added = 0, unchanged = 0, removed = 0, failed = 0, raw = 0;
+  uint64_t added = 0, unchanged = 0, moved = 0, removed = 0, failed = 0, raw = 0;
   uint64_t mailboxesRead = 0, mailboxesUnchanged = 0;
   uint64_t bytes = 0;  // of the messages read
   bool walked = false; // whether the store was walked

@@ -11,13 +11,12 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <xxhash.h>
 
 namespace {
 
 // A delimiter line is far shorter; more ahead of a range is not looked at.
 constexpr size_t kLongestDelimiterLine = 1024;
-// A header block is rarely more than a few KB; one larger than this is cut there.
-constexpr size_t kLargestHeaderBlock = 4u << 20;
 
 struct FileState {
   off_t size = 0;
@@ -84,11 +83,9 @@ bool MessageLoader::readAt(uint64_t offset, size_t size, std::string &bytes) {
 
 bool MessageLoader::readFrame(const ObjectRecord *record, size_t bodyLength,
                               std::string &headerBlock, std::string &delimiterLine) {
-  if (bodyLength > record->length)
+  if (bodyLength > record->length || !readAt(record->offset, record->length, range_))
     return false;
-  const size_t headerLength = std::min<size_t>(record->length - bodyLength, kLargestHeaderBlock);
-  if (!readAt(record->offset, headerLength, headerBlock))
-    return false;
+  headerBlock.assign(range_, 0, record->length - bodyLength);
   delimiterLine.clear();
   if (framing_ == Framing::EudoraLine && record->offset > 0) {
     // The range starts behind "From ???@???", on the rest of its line; only what stands
@@ -110,6 +107,13 @@ bool MessageLoader::readFrame(const ObjectRecord *record, size_t bodyLength,
   return true;
 }
 
+bool MessageLoader::hashOf(const RecordBuffer &record, uint64_t &hash) {
+  if (!openFile(record.path()) || !readAt(record->offset, record->length, range_))
+    return false;
+  hash = XXH3_64bits(range_.data(), range_.size());
+  return true;
+}
+
 bool MessageLoader::load(const RecordBuffer &record, LoadedMessage &loaded) {
   loaded.body.clear();
   openStatus_ = 0;
@@ -127,6 +131,7 @@ bool MessageLoader::load(const RecordBuffer &record, LoadedMessage &loaded) {
   if (!readFrame(record.get(), loaded.body.size(), headerBlock, delimiterLine) ||
       !stateOf(fd_, after) || !(before == after))
     return false;
+  loaded.hash = XXH3_64bits(range_.data(), range_.size());
   readMessage(headerBlock, loaded.body, loaded.message);
   ReadMessage &message = loaded.message;
   if (!message.hasDate && parseDelimiterDate(delimiterLine, message.date))

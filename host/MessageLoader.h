@@ -3,7 +3,7 @@
 // together as a person reads them.
 //
 // The agent gives the body and a record's range; the header block is the range less the
-// body. Eudora's range starts with the rest of its delimiter line, Netscape's delimiter line
+// body, and a hash of the range tells the message's bytes from any others. Eudora's range starts with the rest of its delimiter line, Netscape's delimiter line
 // lies just ahead of the range. The file is read with pread, never mapped, so a file cut
 // short under the host is a failed read and not a fault; a mailbox whose size or times
 // change while a message is read makes that message unreadable for this run.
@@ -24,6 +24,7 @@ Framing framingOfKey(const std::string &agentKey);
 struct LoadedMessage {
   std::string body; // as the agent's stream gives it
   int32_t agentTime = -1;
+  uint64_t hash = 0; // of the record's range, as hashOf gives it
   ReadMessage message; // its date falls back on the delimiter line's
 };
 
@@ -38,6 +39,10 @@ public:
   // False when the object does not open (openStatus() says why), a read fails or the mailbox
   // changed meanwhile.
   bool load(const RecordBuffer &record, LoadedMessage &loaded);
+  // A strong hash of the bytes of the record's range as they stand now: the agent's checksum,
+  // an XOR of words, keeps its value through edits that cancel out. False when the range
+  // can't be read.
+  bool hashOf(const RecordBuffer &record, uint64_t &hash);
   int32_t openStatus() const { return openStatus_; }
 
 private:
@@ -53,4 +58,5 @@ private:
   // The mailbox last read stays open: a store's messages come mailbox by mailbox.
   std::string path_;
   int fd_ = -1;
+  std::string range_; // the bytes of the last range read
 };

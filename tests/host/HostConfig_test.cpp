@@ -102,7 +102,7 @@ TEST_F(HostConfigTest, IndexesAThunderbirdProfileThroughTheNetscapeAgent) {
   ASSERT_EQ(0, run.status) << run.err;
   run = host({"--key", key, "index"});
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 2 new, 0 unchanged, 0 removed")) << run.out;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 2 new, 0 unchanged, 0 moved, 0 removed")) << run.out;
   std::vector<JsonObject> hits = searchJson("subject:trip");
   ASSERT_EQ(1u, hits.size());
   EXPECT_EQ(local + "/Archives.sbd/2024", hits[0].strings.at("path"));

@@ -98,7 +98,7 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
         sum += range.length;
     return sum;
   }();
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 5 new, 0 unchanged, 0 removed, 0 unreadable, 0 raw; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 5 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw; "
                                        "2 of 2 mailboxes read; " +
                                        std::to_string(bytes) + " bytes in "))
       << run.out;
@@ -205,7 +205,7 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   // Nothing changed: no walk, and the agent opens nothing.
   HostResult run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 5 unchanged, 0 removed, 0 unreadable, 0 raw; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 5 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw; "
                                        "0 of 2 mailboxes read"))
       << run.out;
   EXPECT_EQ(1u, linesWith(run.out, "walk: not needed").size());
@@ -220,25 +220,31 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   appendFile(inboxFile(), appended.bytes.substr(before.bytes.size()));
   run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 removed, 0 unreadable, 0 raw; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw; "
                                        "1 of 2 mailboxes read"))
       << run.out;
   EXPECT_EQ(std::vector<std::string>(
-                {"read " + inboxFile() + ": 1 new, 3 unchanged, 0 removed, 0 unreadable, 0 raw"}),
+                {"read " + inboxFile() + ": 1 new, 3 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"}),
             linesWith(run.out, "read "));
   EXPECT_EQ(1u, linesWith(run.err, ": openObject").size()) << run.err;
   std::vector<JsonObject> hits = searchJson("subject:appended");
   ASSERT_EQ(1u, hits.size());
   EXPECT_EQ(appended.ranges[3].offset, hits[0].numbers.at("offset"));
 
-  // Compacted: the second message is gone and the two behind it moved.
+  // Compacted: the second message is gone and the two behind it moved. They keep their ids
+  // and are not read again; the one that is gone answers that it is.
+  const long long lunchId = idOf("subject:lunch"), correctionsId = idOf("subject:corrections");
   const Mailbox compacted = mailboxOf(client(), {kQuarterly, kLunch, kAppended});
   writeFile(inboxFile(), compacted.bytes);
   run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 2 new, 3 unchanged, 3 removed, 0 unreadable, 0 raw; "
-                                       "1 of 2 mailboxes read"))
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 3 unchanged, 2 moved, 1 removed, "
+                                       "0 unreadable, 0 raw; 1 of 2 mailboxes read"))
       << run.out;
+  EXPECT_EQ(lunchId, idOf("subject:lunch"));
+  const HostResult gone = host({"cat", std::to_string(correctionsId)});
+  EXPECT_EQ(1, gone.status);
+  EXPECT_NE(std::string::npos, gone.err.find("is no longer in the store")) << gone.err;
   EXPECT_EQ(1u, linesWith(run.out, "read ").size());
   EXPECT_TRUE(searchJson("subject:corrections").empty());
   hits = searchJson("subject:lunch");
@@ -254,7 +260,7 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   ASSERT_EQ(0, unlink(controlFileOf(client(), inbox).c_str()));
   run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 2 unchanged, 3 removed, 0 unreadable, 0 raw; "
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 2 unchanged, 0 moved, 3 removed, 0 unreadable, 0 raw; "
                                        "1 of 2 mailboxes read"))
       << run.out;
   EXPECT_TRUE(searchJson("subject:quarterly").empty());
@@ -267,9 +273,9 @@ TEST_P(HostStoreTest, FindsANewMailboxAndNeverOpensUnchangedOnes) {
   writeMailbox(client(), mail + "/Folders/Later", {kAppended});
   const HostResult run = index();
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 removed"));
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 5 unchanged, 0 moved, 0 removed"));
   EXPECT_EQ(std::vector<std::string>({"read " + mailFileOf(client(), mail + "/Folders/Later") +
-                                      ": 1 new, 0 unchanged, 0 removed, 0 unreadable, 0 raw"}),
+                                      ": 1 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"}),
             linesWith(run.out, "read "));
   EXPECT_EQ(1u, linesWith(run.err, ": openObject").size()) << run.err;
 }
@@ -297,10 +303,10 @@ TEST(HostEudoraTest, ARecordTheWalkNoLongerGivesIsDroppedThoughItStillOpens) {
   setFileTime(mailFileOf("eudora", stem), time(nullptr) + 100);
   HostResult run = host.host({"--client", "eudora", "index"});
   ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 0 unchanged, 2 removed")) << run.out;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 0 unchanged, 0 moved, 2 removed")) << run.out;
   run = host.host({"--client", "eudora", "index", "--stats"});
   EXPECT_EQ(1u, linesWith(run.out, "walk: not needed").size()) << run.out;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 1 unchanged, 0 removed")) << run.out;
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 1 unchanged, 0 moved, 0 removed")) << run.out;
 }
 
 } // namespace

@@ -18,7 +18,7 @@ protected:
                   .status, 0);
     const HostResult indexed = host({"index", "--client", "netscape"});
     ASSERT_EQ(indexed.status, 0) << indexed.err;
-    ASSERT_NE(indexed.out.find("8 new, 0 unchanged, 0 removed, 0 unreadable, 0 raw"),
+    ASSERT_NE(indexed.out.find("8 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"),
               std::string::npos)
         << indexed.out;
   }

@@ -1,6 +1,9 @@
 // The index after a run equals a fresh index of the store as it stands, whatever the client
 // wrote between runs.
 #include "tests/host/HostFixture.h"
+#include "tests/support/ClientStores.h"
+
+#include <cstdio>
 
 #include <gtest/gtest.h>
 
@@ -21,9 +24,60 @@ TEST(HostUpdatesTest, AMessageThatGrewIsHeldOnceWithItsWholeText) {
   appendFile(inbox, " it, now done zebra\r\n");
   const HostResult run = fixture.host({"index", "--client", "netscape"});
   ASSERT_EQ(run.status, 0) << run.err;
-  EXPECT_NE(run.out.find("1 new, 1 unchanged, 1 removed"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("1 new, 1 unchanged, 0 moved, 1 removed"), std::string::npos) << run.out;
   EXPECT_EQ(fixture.searchJson("subject:second").size(), 1u);
   EXPECT_EQ(fixture.searchJson("zebra").size(), 1u);
+}
+
+const TestMessage kPets = {"Thu, 15 Jan 1998 10:30:45 +0000", "Ann <ann@example.org>",
+                           "bob@example.org", "", "Pets", "cat dog\n"};
+const TestMessage kPlants = {"Fri, 16 Jan 1998 10:30:45 +0000", "Bob <bob@example.org>",
+                             "ann@example.org", "", "Plants", "fern moss\n"};
+
+class HostIdsTest : public HostFixture, public ::testing::Test {
+protected:
+  void SetUp() override {
+    writeMailbox("eudora", dir.file("mail/In"), {kPets, kPlants});
+    setRegistryValue("eudora", "MailPath", dir.file("mail"));
+    ASSERT_EQ(0, index().status);
+  }
+  HostResult index() { return host({"--client", "eudora", "index"}); }
+  long long idOf(const std::string &query) {
+    const std::vector<JsonObject> hits = searchJson(query);
+    return hits.size() == 1 ? hits.front().numbers.at("id") : 0;
+  }
+};
+
+TEST_F(HostIdsTest, AMailboxRenamedAndMovedKeepsItsIdsAndIsNotReadAgain) {
+  const long long pets = idOf("cat"), plants = idOf("fern");
+  makeDirs(dir.file("mail/Archive"));
+  for (const char *extension : {".mbx", ".toc"})
+    ASSERT_EQ(0, std::rename(dir.file(std::string("mail/In") + extension).c_str(),
+                             dir.file(std::string("mail/Archive/Old") + extension).c_str()));
+  const HostResult run = index();
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 0 new, 0 unchanged, 2 moved, 0 removed"))
+      << run.out;
+  EXPECT_EQ(pets, idOf("cat"));
+  EXPECT_EQ(plants, idOf("fern"));
+  EXPECT_EQ(searchJson("cat").front().strings.at("path"), dir.file("mail/Archive/Old.mbx"));
+}
+
+// Bytes swapped four apart keep the agent's checksum, an XOR of words: the host's own hash
+// of the bytes still tells the edit, and the edited message is read again under a new id.
+TEST_F(HostIdsTest, AnEditTheChecksumCannotSeeIsReadAgainUnderANewId) {
+  const long long pets = idOf("cat");
+  std::string bytes = readFile(dir.file("mail/In.mbx"));
+  const size_t at = bytes.find("cat dog");
+  std::swap(bytes[at], bytes[at + 4]); // "dat cog"
+  writeFile(dir.file("mail/In.mbx"), bytes);
+  const HostResult run = index();
+  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 1 new, 1 unchanged, 0 moved, 1 removed"))
+      << run.out;
+  EXPECT_EQ(0, idOf("cat"));
+  EXPECT_GT(idOf("cog"), pets);
+  const HostResult gone = host({"show", std::to_string(pets)});
+  EXPECT_EQ(1, gone.status);
+  EXPECT_NE(std::string::npos, gone.err.find("is no longer in the store")) << gone.err;
 }
 
 } // namespace
