@@ -84,6 +84,7 @@ public:
     walkStore();
     if (!db_.ok())
       return;
+    dropUnchangedTheWalkLost();
     for (const std::unique_ptr<MailboxWork> &work : works_)
       finishMailbox(*work);
     db_.setTreeState(agent_, tree_.fingerprint);
@@ -101,7 +102,7 @@ private:
                         record.assign(mailbox.record.data(), mailbox.record.size()) &&
                         entries_.keepObject(record.get(), 0) == 1 && state == mailbox.fileState;
       if (kept) {
-        unchangedPaths_.insert(mailbox.path);
+        unchanged_.emplace(mailbox.path, KeptMailbox{mailbox.id, mailbox.objectCount, state});
         summary_.unchanged += static_cast<uint64_t>(mailbox.objectCount);
         ++summary_.mailboxesUnchanged;
         continue;
@@ -129,14 +130,34 @@ private:
       bytesWalked += record->length;
       progress_.update(bytesWalked, tree_.totalBytes, addedSoFar_, "new");
       const std::string path = walk.record().path();
-      if (unchangedPaths_.count(path) != 0)
+      const auto kept = unchanged_.find(path);
+      if (kept != unchanged_.end()) {
+        kept->second.walked = true;
         continue;
+      }
       MailboxWork *work = workFor(path);
       if (work == nullptr)
         return;
       takeRecord(*work, walk.record());
     }
     summary_.walkedObjects = walk.count();
+  }
+
+  // A mailbox whose file is as it was can still leave the store: without its control file
+  // the agent no longer finds it. Unless a folder could not be read, which hides mailboxes
+  // from the walk that are still there, such a mailbox is read as empty, and its objects go.
+  void dropUnchangedTheWalkLost() {
+    if (!tree_.unreadable.empty())
+      return;
+    for (const auto &[path, kept] : unchanged_) {
+      if (kept.walked)
+        continue;
+      summary_.unchanged -= static_cast<uint64_t>(kept.objectCount);
+      --summary_.mailboxesUnchanged;
+      MailboxWork &work = addWork(path);
+      work.id = kept.id;
+      work.fileState = kept.fileState;
+    }
   }
 
   MailboxWork *workFor(const std::string &path) {
@@ -175,13 +196,13 @@ private:
     const auto stored = work.storedByKey.find(key);
     const bool candidate = stored != work.storedByKey.end() ||
                            movable_.count(SizeAndSum{record->length, record->checksum}) != 0;
-    uint64_t hash = 0;
+    RangeHash hash;
     if (!candidate || !loader_.hashOf(record, hash)) {
       addObject(work, record);
       return;
     }
     if (stored != work.storedByKey.end() && !work.storedSeen[stored->second] &&
-        hash == work.stored[stored->second].hash) {
+        hash.matches(work.stored[stored->second].hash)) {
       // The same bytes at the same place: the object stays; its record takes the new stamp.
       work.storedSeen[stored->second] = true;
       db_.replaceRecord(work.stored[stored->second].id, record);
@@ -193,12 +214,12 @@ private:
   }
 
   // The same bytes at another place keep their object, its id and its text: nothing is read.
-  bool takeMoved(MailboxWork &work, const RecordBuffer &record, uint64_t hash) {
+  bool takeMoved(MailboxWork &work, const RecordBuffer &record, const RangeHash &hash) {
     const auto candidates = movable_.equal_range(SizeAndSum{record->length, record->checksum});
     for (auto candidate = candidates.first; candidate != candidates.second; ++candidate) {
       MailboxWork &from = *candidate->second.work;
       const size_t index = candidate->second.index;
-      if (from.storedSeen[index] || from.stored[index].hash != hash)
+      if (from.storedSeen[index] || !hash.matches(from.stored[index].hash))
         continue;
       from.storedSeen[index] = true;
       db_.moveObject(from.stored[index].id, work.id, record);
@@ -263,7 +284,11 @@ private:
   const StoreTree &tree_;
   ProgressBar &progress_;
   IndexSummary &summary_;
-  std::unordered_set<std::string> unchangedPaths_;
+  struct KeptMailbox {
+    int64_t id, objectCount, fileState;
+    bool walked = false;
+  };
+  std::unordered_map<std::string, KeptMailbox> unchanged_; // by path
   std::vector<std::unique_ptr<MailboxWork>> works_;
   std::unordered_map<std::string, MailboxWork *> workByPath_;
   std::unordered_multimap<SizeAndSum, StoredPlace, SizeAndSumHash> movable_;

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <xxhash.h>
@@ -94,23 +95,45 @@ bool MessageLoader::readFrame(const ObjectRecord *record, size_t bodyLength,
     const size_t taken = lineEnd == std::string::npos ? headerBlock.size() : lineEnd + 1;
     delimiterLine = headerBlock.substr(0, taken);
     headerBlock.erase(0, taken);
-  } else if (framing_ == Framing::NetscapeLine && record->offset > 0) {
-    // The delimiter line ends with the line feed just ahead of the range.
-    const size_t before = std::min<size_t>(record->offset, kLongestDelimiterLine);
-    std::string ahead;
-    if (!readAt(record->offset - before, before, ahead) || ahead.back() != '\n')
-      return true;
-    ahead.pop_back();
-    const size_t lineStart = ahead.rfind('\n');
-    delimiterLine = ahead.substr(lineStart == std::string::npos ? 0 : lineStart + 1);
+  } else {
+    readLineAhead(record, delimiterLine);
   }
   return true;
 }
 
-bool MessageLoader::hashOf(const RecordBuffer &record, uint64_t &hash) {
+void MessageLoader::readLineAhead(const ObjectRecord *record, std::string &line) {
+  line.clear();
+  if (framing_ != Framing::NetscapeLine || record->offset == 0)
+    return;
+  // The delimiter line ends with the line feed just ahead of the range.
+  const size_t before = std::min<size_t>(record->offset, kLongestDelimiterLine);
+  if (!readAt(record->offset - before, before, line) || line.back() != '\n') {
+    line.clear();
+    return;
+  }
+  line.pop_back();
+  const size_t lineStart = line.rfind('\n');
+  line.erase(0, lineStart == std::string::npos ? 0 : lineStart + 1);
+}
+
+uint64_t MessageLoader::hashWith(const std::string &line) const {
+  const std::unique_ptr<XXH3_state_t, XXH_errorcode (*)(XXH3_state_t *)> state(
+      XXH3_createState(), XXH3_freeState);
+  if (!state)
+    return 0;
+  XXH3_64bits_reset(state.get());
+  XXH3_64bits_update(state.get(), line.data(), line.size());
+  XXH3_64bits_update(state.get(), range_.data(), range_.size());
+  return XXH3_64bits_digest(state.get());
+}
+
+bool MessageLoader::hashOf(const RecordBuffer &record, RangeHash &hash) {
   if (!openFile(record.path()) || !readAt(record->offset, record->length, range_))
     return false;
-  hash = XXH3_64bits(range_.data(), range_.size());
+  hash.bytes = XXH3_64bits(range_.data(), range_.size());
+  std::string line;
+  readLineAhead(record.get(), line);
+  hash.withLine = line.empty() ? hash.bytes : hashWith(line);
   return true;
 }
 
@@ -131,10 +154,13 @@ bool MessageLoader::load(const RecordBuffer &record, LoadedMessage &loaded) {
   if (!readFrame(record.get(), loaded.body.size(), headerBlock, delimiterLine) ||
       !stateOf(fd_, after) || !(before == after))
     return false;
-  loaded.hash = XXH3_64bits(range_.data(), range_.size());
   readMessage(headerBlock, loaded.body, loaded.message);
   ReadMessage &message = loaded.message;
-  if (!message.hasDate && parseDelimiterDate(delimiterLine, message.date))
-    message.hasDate = true;
+  const bool dateFromLine = !message.hasDate && parseDelimiterDate(delimiterLine, message.date);
+  message.hasDate = message.hasDate || dateFromLine;
+  // A date taken from Netscape's line ahead of the range makes that line part of the message.
+  loaded.hash = dateFromLine && framing_ == Framing::NetscapeLine
+                    ? hashWith(delimiterLine)
+                    : XXH3_64bits(range_.data(), range_.size());
   return true;
 }

@@ -18,13 +18,22 @@
 
 enum class Framing { Plain, EudoraLine, NetscapeLine };
 
+// Strong hashes of a message's bytes: of the record's range, and of the range with the
+// delimiter line ahead of it (Netscape's; the same as `bytes` for the other clients). A
+// message whose date comes from that line is known by the second: the line is then part of
+// what is indexed.
+struct RangeHash {
+  uint64_t bytes = 0, withLine = 0;
+  bool matches(uint64_t stored) const { return stored == bytes || stored == withLine; }
+};
+
 // The framing of the client that `agentKey` selects.
 Framing framingOfKey(const std::string &agentKey);
 
 struct LoadedMessage {
   std::string body; // as the agent's stream gives it
   int32_t agentTime = -1;
-  uint64_t hash = 0; // of the record's range, as hashOf gives it
+  uint64_t hash = 0; // one of the two of RangeHash: with the line only for a date it gave
   ReadMessage message; // its date falls back on the delimiter line's
 };
 
@@ -42,7 +51,7 @@ public:
   // A strong hash of the bytes of the record's range as they stand now: the agent's checksum,
   // an XOR of words, keeps its value through edits that cancel out. False when the range
   // can't be read.
-  bool hashOf(const RecordBuffer &record, uint64_t &hash);
+  bool hashOf(const RecordBuffer &record, RangeHash &hash);
   int32_t openStatus() const { return openStatus_; }
 
 private:
@@ -51,6 +60,8 @@ private:
   bool readAt(uint64_t offset, size_t size, std::string &bytes);
   bool readFrame(const ObjectRecord *record, size_t bodyLength, std::string &headerBlock,
                  std::string &delimiterLine);
+  void readLineAhead(const ObjectRecord *record, std::string &line);
+  uint64_t hashWith(const std::string &line) const; // of `line` and then the last range
 
   const AgentEntryTable &entries_;
   const Framing framing_;
