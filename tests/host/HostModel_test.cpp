@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -15,6 +16,9 @@
 #include <random>
 #include <sqlite3.h>
 #include <unistd.h>
+#include <sys/wait.h>
+#include <fcntl.h>
+#include <csignal>
 
 namespace {
 
@@ -317,5 +321,73 @@ TEST_P(HostModelTest, AnIndexKeptUpToDateEqualsAFreshOne) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryClient, HostModelTest, ::testing::ValuesIn(kClientNames));
+
+// mhhost index started in a process of its own, to be killed.
+pid_t startIndex(const std::vector<std::string> &arguments) {
+  std::vector<std::string> all = {TUK_MHHOST};
+  all.insert(all.end(), arguments.begin(), arguments.end());
+  std::vector<char *> argv;
+  for (std::string &argument : all)
+    argv.push_back(&argument[0]);
+  argv.push_back(nullptr);
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+      dup2(null, fd);
+    setenv("TZ", "UTC", 1); // as runProgram runs it
+    execv(argv[0], argv.data());
+    _exit(127);
+  }
+  return child;
+}
+
+// A run killed at any moment leaves an index that the next run completes to what a fresh run
+// makes: the first run of a store, and a run after it changed.
+TEST(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
+  HostFixture host;
+  const std::string mail = host.dir.file("mail");
+  std::vector<TestMessage> messages;
+  for (int i = 0; i < 150; ++i)
+    messages.push_back({"1 Feb 1998 10:00:00 +0000", "ann@example.org", "bob@example.org", "",
+                        "note " + std::to_string(i), std::string(40, 'x') + " words\n"});
+  for (const char *stem : {"/In", "/Dir/Work", "/Dir/Old"})
+    writeMailbox("eudora", mail + stem, messages);
+  host.setRegistryValue("eudora", "MailPath", mail);
+  const std::vector<std::string> index = {"--registry", host.registry, "--db", host.database,
+                                          "--client", "eudora", "index"};
+  const std::string fresh = host.dir.file("fresh.db");
+  std::mt19937 generator(static_cast<unsigned>(environmentNumber("TUK_MODEL_SEED", 1)));
+  // Kills fall anywhere in a whole first run, as long as it takes on this machine and build.
+  std::vector<std::string> freshIndex = index;
+  freshIndex[3] = fresh;
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
+  const auto span = std::chrono::duration_cast<std::chrono::microseconds>(
+                        std::chrono::steady_clock::now() - start).count() + 1;
+  for (int round = 0; round < 8; ++round) {
+    if (round % 2 == 0) {
+      fs::remove(host.database); // a first run
+    } else {
+      messages.erase(messages.begin() + static_cast<long>(generator() % messages.size()));
+      writeMailbox("eudora", mail + "/Dir/Work", messages);
+    }
+    const pid_t child = startIndex(index);
+    ASSERT_GT(child, 0);
+    usleep(static_cast<useconds_t>(generator() % static_cast<unsigned long>(span)));
+    kill(child, SIGKILL);
+    int status = 0;
+    waitpid(child, &status, 0);
+    const HostResult completed = runProgram(TUK_MHHOST, index);
+    ASSERT_EQ(0, completed.status) << "round " << round << ": " << completed.err;
+    fs::remove(fresh);
+    ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
+    const std::vector<std::string> ours = indexRows(host.database), theirs = indexRows(fresh);
+    ASSERT_TRUE(ours == theirs) << "round " << round << "\nonly after the kill:\n"
+                                << rowsMissingFrom(ours, theirs) << "only in a fresh index:\n"
+                                << rowsMissingFrom(theirs, ours);
+  }
+}
 
 } // namespace
