@@ -85,7 +85,8 @@ int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &set
   if (!db.ok() || !db.commit()) {
     const std::string reason = db.errorText();
     db.rollback();
-    return reportError(reason + "; the index is as it was before this run");
+    return reportError(reason + "; the index keeps what this run committed, and the next run "
+                                "completes it");
   }
   const double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

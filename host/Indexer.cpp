@@ -5,6 +5,7 @@
 #include "host/StoreWalk.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <memory>
 #include <unordered_map>
@@ -64,6 +65,8 @@ int64_t scannedState(const StoreTree &tree, const std::string &path) {
   const auto found = tree.fileStates.find(path);
   return found != tree.fileStates.end() ? found->second : fileStateOf(path);
 }
+
+constexpr uint64_t kCommitEvery = 2000; // messages
 
 class IndexRun {
 public:
@@ -250,6 +253,21 @@ private:
       ++addedSoFar_;
       summary_.bytes += record->length;
     }
+    commitNowAndThen();
+  }
+
+  // A long run commits what it has about once a second (or each 2,000 messages), so
+  // that a search waits for the index at most that long. What a commit leaves is whole for the next run: a mailbox's
+  // file state is written only when it has been read to its end, so a run stopped halfway
+  // reads it again and finds what was committed unchanged.
+  void commitNowAndThen() {
+    const auto now = std::chrono::steady_clock::now();
+    if (++sinceCommit_ < kCommitEvery && now - lastCommit_ < std::chrono::seconds(1))
+      return;
+    lastCommit_ = now;
+    sinceCommit_ = 0;
+    if (db_.commit())
+      db_.begin();
   }
 
   // Stored objects the walk did not give again are gone: an object that still opens is no
@@ -296,6 +314,8 @@ private:
   LoadedMessage loaded_;
   std::string text_;
   uint64_t addedSoFar_ = 0;
+  std::chrono::steady_clock::time_point lastCommit_ = std::chrono::steady_clock::now();
+  uint64_t sinceCommit_ = 0;
 };
 
 } // namespace

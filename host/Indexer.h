@@ -38,7 +38,8 @@ struct IndexSummary {
   std::vector<MailboxReport> mailboxes; // those read, in the order of the walk
 };
 
-// Updates `agent`'s objects in `db`, inside the caller's transaction. Database errors stop
-// the run; the caller finds them in db.ok().
+// Updates `agent`'s objects in `db`, inside the caller's transaction, which it commits and
+// begins again about once a second. Database errors stop the run; the caller finds them in
+// db.ok().
 void updateIndex(const AgentEntryTable &entries, Framing framing, IndexDb &db, int64_t agent,
                  const StoreTree &tree, ProgressBar &progress, IndexSummary &summary);
