@@ -4,6 +4,7 @@
 #include "host/Commands.h"
 #include "host/ExitStatus.h"
 #include "host/IndexDb.h"
+#include "host/IndexRunLock.h"
 #include "host/Indexer.h"
 #include "host/StoreTree.h"
 
@@ -107,6 +108,9 @@ int runIndex(const CommandLine &line, const HostSettings &settings) {
   const std::unique_ptr<IndexDb> db =
       IndexDb::open(settings.databasePath, IndexDb::Access::ReadWrite, error);
   if (!db)
+    return reportError(error);
+  IndexRunLock runLock;
+  if (!runLock.acquire(settings.databasePath, error))
     return reportError(error);
   std::vector<std::string> keys;
   if (!settings.agentKey.empty()) {

@@ -343,21 +343,47 @@ pid_t startIndex(const std::vector<std::string> &arguments) {
   return child;
 }
 
-// A run killed at any moment, before, between or after its commits, leaves an index that the
-// next run completes to what a fresh run makes: the first run of a store, and a run after it
-// changed.
-TEST(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
-  HostFixture host;
+// An Eudora store of three mailboxes of `count` notes each, and the command line that
+// indexes it.
+std::vector<std::string> writeNotes(HostFixture &host, std::vector<TestMessage> &messages,
+                                    int count) {
   const std::string mail = host.dir.file("mail");
-  std::vector<TestMessage> messages;
-  for (int i = 0; i < 700; ++i) // a run commits each 2,000 messages: once here
+  for (int i = 0; i < count; ++i)
     messages.push_back({"1 Feb 1998 10:00:00 +0000", "ann@example.org", "bob@example.org", "",
                         "note " + std::to_string(i), std::string(40, 'x') + " words\n"});
   for (const char *stem : {"/In", "/Dir/Work", "/Dir/Old"})
     writeMailbox("eudora", mail + stem, messages);
   host.setRegistryValue("eudora", "MailPath", mail);
-  const std::vector<std::string> index = {"--registry", host.registry, "--db", host.database,
-                                          "--client", "eudora", "index"};
+  return {"--registry", host.registry, "--db", host.database, "--client", "eudora", "index"};
+}
+
+// Two runs at once: the second waits for the first, and the index is what one run makes.
+TEST(HostKillTest, TwoRunsAtOnceMakeWhatOneMakes) {
+  HostFixture host;
+  std::vector<TestMessage> messages;
+  const std::vector<std::string> index = writeNotes(host, messages, 700);
+  const pid_t first = startIndex(index);
+  ASSERT_GT(first, 0);
+  const HostResult second = runProgram(TUK_MHHOST, index);
+  int status = 0;
+  waitpid(first, &status, 0);
+  EXPECT_EQ(0, second.status) << second.err;
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  std::vector<std::string> freshIndex = index;
+  freshIndex[3] = host.dir.file("fresh.db");
+  ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
+  EXPECT_TRUE(indexRows(host.database) == indexRows(freshIndex[3]));
+}
+
+// A run killed at any moment, before, between or after its commits, leaves an index that the
+// next run completes to what a fresh run makes: the first run of a store, and a run after it
+// changed.
+TEST(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
+  HostFixture host;
+  std::vector<TestMessage> messages;
+  // A run commits each 2,000 messages: once here.
+  const std::vector<std::string> index = writeNotes(host, messages, 700);
+  const std::string mail = host.dir.file("mail");
   const std::string fresh = host.dir.file("fresh.db");
   std::mt19937 generator(static_cast<unsigned>(environmentNumber("TUK_MODEL_SEED", 1)));
   // Kills fall anywhere in a whole first run, as long as it takes on this machine and build.
