@@ -237,8 +237,9 @@ std::string IndexDb::errorText() const {
            " is locked by another process (another mhhost?); try "
            "again when it is done";
   case SQLITE_CORRUPT:
-    return "the index " + path_ + " is damaged (" + detail +
-           "); it was left as it is: move it away and run mhhost index to build a new one";
+    return "the index " + path_ +
+           " is damaged; it was left as it is: move it away and run mhhost index to build a "
+           "new one";
   case SQLITE_NOTADB:
     return path_ + " is not an mhhost index (not an SQLite database); it was left as it is "
                    "(give another file with --db)";
@@ -247,7 +248,7 @@ std::string IndexDb::errorText() const {
   case SQLITE_READONLY:
   case SQLITE_CANTOPEN:
   case SQLITE_PERM:
-    return "cannot write the index " + path_ + " (" + detail + ")";
+    return "cannot write the index " + path_ + ": it, or its folder, may not be writable";
   default:
     return "the index " + path_ + ": " + detail;
   }
