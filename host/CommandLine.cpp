@@ -14,8 +14,9 @@ const OptionName kOptions[] = {
     {"help", false},   {"client", true},   {"key", true},      {"registry", true},
     {"db", true},      {"language", true}, {"log", false},     {"mail-dir", true},
     {"exe-dir", true}, {"mail-ext", true}, {"ctrl-ext", true}, {"attachments", true},
-    {"yes", false},    {"json", false},    {"stats", false},   {"raw", false},   {"limit", true},
-    {"since", true},   {"until", true},    {"dir", true},
+    {"yes", false},    {"json", false},    {"stats", false},   {"raw", false},
+    {"count", false},  {"offset", true},   {"sort", true},     {"output", true},
+    {"limit", true},   {"since", true},    {"until", true},    {"dir", true},
 };
 
 const OptionName *findOption(const std::string &name) {

@@ -1,4 +1,6 @@
 // mhhost search: ranked hits from the index, as lines for a person or as JSON lines.
+#include "host/AgentRegistry.h"
+#include "host/Clients.h"
 #include "host/Commands.h"
 #include "host/ExitStatus.h"
 #include "host/IndexDb.h"
@@ -9,6 +11,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <utility>
 
 namespace {
 
@@ -31,13 +35,6 @@ std::string oneLine(const std::string &text) {
   return line;
 }
 
-bool readLimit(const std::string &text, int64_t &limit) {
-  if (text.empty() || text.size() > 9 || text.find_first_not_of("0123456789") != text.npos)
-    return false;
-  limit = std::strtoll(text.c_str(), nullptr, 10);
-  return limit > 0;
-}
-
 // The snippet's marks: private-use characters, which mail text does not hold, so that what
 // the mail holds is made visible first and only our marks become the terminal's bold.
 const char kMarkStart[] = "\xEE\x80\x80", kMarkEnd[] = "\xEE\x80\x81";
@@ -48,22 +45,65 @@ std::string replaced(std::string text, const std::string &from, const std::strin
   return text;
 }
 
-void printHit(const SearchHit &hit, const std::string &markStart, const std::string &markEnd) {
+// Where a hit lives: its store (the client, or the agent key of a store of its own) and its
+// folder, the mailbox's path below the store's mail directory.
+struct HitPlace {
+  std::string store, folder;
+};
+
+class PlaceNames {
+public:
+  HitPlace of(const SearchHit &hit) {
+    auto found = stores_.find(hit.agentKey);
+    if (found == stores_.end()) {
+      const ClientInfo *const client = clientOfKey(hit.agentKey);
+      std::string mailDirectory;
+      readAgentValue(hit.agentKey, kMailPathValue, mailDirectory);
+      const bool ownKey = client == nullptr || hit.agentKey != defaultAgentKey(*client);
+      found = stores_
+                  .emplace(hit.agentKey,
+                           std::make_pair(ownKey ? hit.agentKey : std::string(client->name),
+                                          mailDirectory))
+                  .first;
+    }
+    const std::string &directory = found->second.second;
+    const bool below = !directory.empty() && hit.path.size() > directory.size() + 1 &&
+                       hit.path.compare(0, directory.size(), directory) == 0 &&
+                       hit.path[directory.size()] == '/';
+    return {found->second.first, below ? hit.path.substr(directory.size() + 1) : hit.path};
+  }
+
+private:
+  std::map<std::string, std::pair<std::string, std::string>> stores_; // key: name, directory
+};
+
+void printHit(const SearchHit &hit, const HitPlace &place, const std::string &markStart,
+              const std::string &markEnd) {
   const std::string snippet = replaced(
       replaced(oneLine(visibleText(hit.snippet)), kMarkStart, markStart), kMarkEnd, markEnd);
-  std::printf("%lld  %s  %s  %s\n    %s\n", static_cast<long long>(hit.id),
+  std::printf("%lld  %s  %s  %s  (%s: %s)\n    %s\n", static_cast<long long>(hit.id),
               formatDate(hit.hasDate, hit.date).c_str(), oneLine(visibleText(hit.from)).c_str(),
-              oneLine(visibleText(hit.subject)).c_str(), snippet.c_str());
+              oneLine(visibleText(hit.subject)).c_str(), visibleText(place.store).c_str(),
+              visibleText(place.folder).c_str(), snippet.c_str());
 }
 
-void printJsonHit(const SearchHit &hit) {
+void printJsonHit(const SearchHit &hit, const HitPlace &place) {
   const std::string date = hit.hasDate ? std::to_string(hit.date) : "null";
-  std::printf("{\"id\":%lld,\"path\":%s,\"offset\":%lu,\"length\":%lu,\"time\":%ld,"
-              "\"date\":%s,\"from\":%s,\"subject\":%s,\"snippet\":%s}\n",
-              static_cast<long long>(hit.id), jsonString(hit.path).c_str(),
+  std::printf("{\"id\":%lld,\"store\":%s,\"folder\":%s,\"path\":%s,\"offset\":%lu,"
+              "\"length\":%lu,\"time\":%ld,\"date\":%s,\"from\":%s,\"subject\":%s,"
+              "\"snippet\":%s}\n",
+              static_cast<long long>(hit.id), jsonString(place.store).c_str(),
+              jsonString(place.folder).c_str(), jsonString(hit.path).c_str(),
               static_cast<unsigned long>(hit.offset), static_cast<unsigned long>(hit.length),
               static_cast<long>(hit.time), date.c_str(), jsonString(hit.from).c_str(),
               jsonString(hit.subject).c_str(), jsonString(oneLine(hit.snippet)).c_str());
+}
+
+bool readCount(const std::string &text, int64_t &value) {
+  if (text.empty() || text.size() > 9 || text.find_first_not_of("0123456789") != text.npos)
+    return false;
+  value = std::strtoll(text.c_str(), nullptr, 10);
+  return true;
 }
 
 } // namespace
@@ -72,16 +112,26 @@ int runSearch(const CommandLine &line, const HostSettings &settings) {
   SearchQuery query;
   query.match = line.arguments.front();
   query.agentKey = settings.agentKey;
-  if (line.has("limit") && !readLimit(line.value("limit"), query.limit))
+  if (line.has("limit") && (!readCount(line.value("limit"), query.limit) || query.limit == 0))
     return reportUsageError("search", "--limit wants a number of 1 or more");
+  if (line.has("offset") && !readCount(line.value("offset"), query.offset))
+    return reportUsageError("search", "--offset wants a number of 0 or more");
   if (line.has("since") && !parseDateArgument(line.value("since"), false, query.since))
     return reportUsageError("search", "--since wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
   if (line.has("until") && !parseDateArgument(line.value("until"), true, query.until))
     return reportUsageError("search", "--until wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
   query.dated = line.has("since") || line.has("until");
-  const bool json = line.has("json");
-  const bool bold = standardOutputIsTerminal();
-  if (!json) {
+  const std::string sort = line.value("sort", "newest");
+  if (sort == "oldest")
+    query.order = SearchQuery::Order::Oldest;
+  else if (sort == "relevance")
+    query.order = SearchQuery::Order::Relevance;
+  else if (sort != "newest")
+    return reportUsageError("search", "--sort is newest, oldest or relevance");
+  const std::string output = line.has("json") ? "json" : line.value("output", "summary");
+  if (output != "summary" && output != "ids" && output != "files" && output != "json")
+    return reportUsageError("search", "--output is summary, ids, files or json");
+  if (output == "summary") {
     query.markStart = kMarkStart;
     query.markEnd = kMarkEnd;
   }
@@ -90,14 +140,34 @@ int runSearch(const CommandLine &line, const HostSettings &settings) {
       IndexDb::open(settings.databasePath, IndexDb::Access::ReadOnly, error);
   if (!db)
     return reportError(error);
+  if (line.has("count")) {
+    const int64_t count = db->countHits(query, error);
+    if (count < 0)
+      return reportUsageError("search", "the query can't be read: " + error);
+    if (!db->ok())
+      return reportError(db->errorText());
+    std::printf("%lld\n", static_cast<long long>(count));
+    return kExitOk;
+  }
   std::vector<SearchHit> hits;
   if (!db->search(query, hits, error))
     return reportUsageError("search", "the query can't be read: " + error);
   if (!db->ok())
     return reportError(db->errorText());
-  for (const SearchHit &hit : hits)
-    json ? printJsonHit(hit) : printHit(hit, bold ? "\033[1m" : "[", bold ? "\033[0m" : "]");
-  if (hits.empty() && !json)
+  const bool bold = standardOutputIsTerminal();
+  PlaceNames places;
+  for (const SearchHit &hit : hits) {
+    if (output == "ids")
+      std::printf("%lld\n", static_cast<long long>(hit.id));
+    else if (output == "files")
+      std::printf("%s\t%lu\n", visibleText(hit.path).c_str(),
+                  static_cast<unsigned long>(hit.offset));
+    else if (output == "json")
+      printJsonHit(hit, places.of(hit));
+    else
+      printHit(hit, places.of(hit), bold ? "\033[1m" : "[", bold ? "\033[0m" : "]");
+  }
+  if (hits.empty() && output == "summary")
     std::fprintf(stderr, "no hits\n");
   return kExitOk;
 }

@@ -70,21 +70,29 @@ run reads again only the mailboxes that changed, and drops messages that are gon
      false,
      runIndex},
     {"search",
-     "QUERY [--limit N] [--since DATE] [--until DATE] [--json]",
-     R"(Searches the index, best hits first (bm25), each with its id, date, sender, subject and
-a snippet, decoded as a mail reader shows them. QUERY is FTS5 query syntax: words, "a phrase", AND, OR, NOT, prefix*, and the
-columns subject:, from:, to:, cc: and body:, e.g.  from:ann subject:report
+     "QUERY [--sort newest|oldest|relevance] [--limit N] [--offset N] [--since DATE]\n"
+     "         [--until DATE] [--count] [--output summary|ids|files|json]",
+     R"(Searches the index, newest first, each hit with its id, date, sender, subject, store
+and folder and a snippet, decoded as a mail reader shows them. QUERY is FTS5 query syntax:
+words, "a phrase", AND, OR, NOT, prefix*, and the columns subject:, from:, to:, cc:, body:
+and attachment:, e.g.  from:ann subject:report
 Put words with punctuation in double quotes: from:"ann@example.org".
+  --sort S        newest (the default) or oldest, by the messages' true dates, those
+                  without a date last; or relevance (bm25, a subject match weighs most)
   --limit N       at most N hits (default 20)
+  --offset N      leave out the first N hits: with --limit, a page of hits
   --since DATE    from DATE on (YYYY-MM-DD or "YYYY-MM-DD HH:MM[:SS]", local time), on
                   the messages' true dates; a message without a date is left out
   --until DATE    up to DATE (a bare date includes its whole day)
-  --json          one JSON object per line: id, path, offset, length, time (the
+  --count         only the number of hits, all of them
+  --output F      summary (the default); ids, one a line; files, the mailbox's path and
+                  the message's offset, a tab between, one a line, for scripts; json, one
+                  object a line: id, store, folder, path, offset, length, time (the
                   agent's), date (UTC seconds or null), from, subject, snippet
-QUERY also searches the names of attachments with the column attachment:.
+  --json          the same as --output json
 With --client or --key only that store's messages are searched.
 )",
-     {"limit", "since", "until", "json"},
+     {"limit", "offset", "sort", "since", "until", "count", "output", "json"},
      1,
      1,
      false,

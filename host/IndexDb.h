@@ -43,6 +43,9 @@ struct SearchQuery {
   int64_t since = std::numeric_limits<int64_t>::min();
   int64_t until = std::numeric_limits<int64_t>::max();
   int64_t limit = 20;
+  int64_t offset = 0;
+  // Newest and oldest go by the true date, messages without one last; relevance by bm25.
+  enum class Order { Newest, Oldest, Relevance } order = Order::Newest;
   std::string markStart, markEnd; // around matched words in the snippet
 };
 
@@ -105,6 +108,8 @@ public:
   // False with `error` for a query that can't be read, said in the query's words; other
   // errors go to ok()/errorText().
   bool search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error);
+  // The number of hits of `query`, all of them; -1 with `error` as search() gives it.
+  int64_t countHits(const SearchQuery &query, std::string &error);
   bool findObject(int64_t id, IndexedObject &object);
   // Whether `id` was ever given to an object (which may be gone since).
   bool wasGiven(int64_t id);
@@ -116,6 +121,9 @@ private:
   // An index of schema 1 holds raw bodies: its messages are dropped, its agents kept.
   bool rebuildOldSchema();
   Statement &prepared(std::unique_ptr<Statement> &slot, const char *sql);
+  void bindQuery(Statement &select, const SearchQuery &query);
+  // True when the last query ran; false with `error` when the person's query was unreadable.
+  bool queryRead(std::string &error, const SearchQuery &query);
 
   std::unique_ptr<SqliteConnection> connection_;
   std::string path_;

@@ -38,17 +38,30 @@ std::string queryProblem(const std::string &engineMessage, const std::string &qu
 
 } // namespace
 
-bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error) {
-  // Not kept: its snippet marks change from call to call. bm25 weights are the table's rank.
-  Statement select(*connection_, R"sql(
-    SELECT o.id, a.key, m.path, o.offset, o.length, o.time, texts."from", texts.subject,
-           snippet(texts, -1, ?1, ?2, '...', 16), o.date
+namespace {
+
+const char kMatching[] = R"sql(
     FROM texts
       JOIN objects o ON o.id = texts.rowid
       JOIN mailboxes m ON m.id = o.mailbox
       JOIN agents a ON a.id = m.agent
-    WHERE texts MATCH ?3 AND (?8 = 0 OR o.date BETWEEN ?4 AND ?5) AND (?6 = '' OR a.key = ?6)
-    ORDER BY rank LIMIT ?7)sql");
+    WHERE texts MATCH ?3 AND (?8 = 0 OR o.date BETWEEN ?4 AND ?5) AND (?6 = '' OR a.key = ?6))sql";
+
+const char *orderOf(SearchQuery::Order order) {
+  switch (order) {
+  case SearchQuery::Order::Oldest:
+    return " ORDER BY o.date IS NULL, o.date, o.id";
+  case SearchQuery::Order::Relevance:
+    return " ORDER BY rank";
+  case SearchQuery::Order::Newest:
+    break;
+  }
+  return " ORDER BY o.date IS NULL, o.date DESC, o.id DESC";
+}
+
+} // namespace
+
+void IndexDb::bindQuery(Statement &select, const SearchQuery &query) {
   select.bind(1, query.markStart)
       .bind(2, query.markEnd)
       .bind(3, query.match)
@@ -56,7 +69,31 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
       .bind(5, query.until)
       .bind(6, query.agentKey)
       .bind(7, query.limit)
-      .bind(8, query.dated ? 1 : 0);
+      .bind(8, query.dated ? 1 : 0)
+      .bind(9, query.offset);
+}
+
+bool IndexDb::queryRead(std::string &error, const SearchQuery &query) {
+  if (connection_->ok())
+    return true;
+  // The engine reports a query it can't read as a plain SQLITE_ERROR: the person's mistake,
+  // not the database's.
+  if (connection_->errorStatus() == SQLITE_ERROR) {
+    error = queryProblem(connection_->errorMessage(), query.match);
+    connection_->clearError();
+    return false;
+  }
+  return true;
+}
+
+bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error) {
+  // Not kept: its snippet marks change from call to call. bm25 weights are the table's rank.
+  const std::string sql =
+      std::string("SELECT o.id, a.key, m.path, o.offset, o.length, o.time, texts.\"from\", "
+                  "texts.subject, snippet(texts, -1, ?1, ?2, '...', 16), o.date") +
+      kMatching + orderOf(query.order) + " LIMIT ?7 OFFSET ?9";
+  Statement select(*connection_, sql.c_str());
+  bindQuery(select, query);
   hits.clear();
   while (select.step()) {
     SearchHit hit;
@@ -73,16 +110,16 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
     hit.date = select.integer(9);
     hits.push_back(std::move(hit));
   }
-  if (connection_->ok())
-    return true;
-  // FTS5 reports a query it can't read as a plain SQLITE_ERROR: the person's mistake, not
-  // the database's.
-  if (connection_->errorStatus() == SQLITE_ERROR) {
-    error = queryProblem(connection_->errorMessage(), query.match);
-    connection_->clearError();
-    return false;
-  }
-  return true;
+  return queryRead(error, query);
+}
+
+int64_t IndexDb::countHits(const SearchQuery &query, std::string &error) {
+  // The numbered parameters that the count does not use are still bound: unused is fine.
+  const std::string sql = std::string("SELECT count(*), ?1, ?2, ?7, ?9") + kMatching;
+  Statement select(*connection_, sql.c_str());
+  bindQuery(select, query);
+  const int64_t count = select.step() ? select.integer(0) : 0;
+  return queryRead(error, query) ? count : -1;
 }
 
 bool IndexDb::findObject(int64_t id, IndexedObject &object) {

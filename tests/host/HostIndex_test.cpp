@@ -114,7 +114,9 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
   EXPECT_EQ("Ann Lee <ann@example.org>", hit.strings.at("from"));
   EXPECT_EQ("Quarterly report draft", hit.strings.at("subject"));
   EXPECT_NE(std::string::npos, hit.strings.at("snippet").find("Quarterly"));
-  EXPECT_EQ(9u, hit.strings.size() + hit.numbers.size());
+  EXPECT_EQ(client(), hit.strings.at("store"));
+  EXPECT_EQ(inboxFile().substr(mail.size() + 1), hit.strings.at("folder"));
+  EXPECT_EQ(11u, hit.strings.size() + hit.numbers.size());
 
   // A new index is made for a large first run: 8 KB pages, segments merged 16 at a time.
   EXPECT_EQ("8192", queryText(database, "PRAGMA page_size"));
@@ -163,6 +165,23 @@ TEST_P(HostStoreTest, SearchesEachFieldAndDateRanges) {
   EXPECT_EQ(2u, subjects("ann OR dan OR garden", {"--limit", "2"}).size());
   // The message without a Date never has the agent's fixed date, 1 Feb 1971.
   EXPECT_EQ(Subjects(), subjects("undated", {"--until", "1971-02-01"}));
+
+  // Newest first by default, oldest or by relevance on request; pages of
+  // --limit from --offset; the number alone; ids or places for scripts.
+  const Subjects byDate = {"Garden meeting", "Corrections", "Quarterly report draft",
+                           "Lunch on Friday"};
+  const std::string dated = "(ann OR garden) NOT undated";
+  EXPECT_EQ(byDate, subjects(dated));
+  EXPECT_EQ(Subjects(byDate.rbegin(), byDate.rend()), subjects(dated, {"--sort", "oldest"}));
+  EXPECT_EQ(Subjects({"Corrections", "Quarterly report draft"}),
+            subjects(dated, {"--limit", "2", "--offset", "1"}));
+  EXPECT_EQ("4\n", host({"search", dated, "--count"}).out);
+  const std::string ids = host({"search", "tomatoes", "--output", "ids"}).out;
+  EXPECT_EQ(std::to_string(idOf("tomatoes")) + "\n", ids);
+  const uint32_t gardenOffset = mailboxOf(client(), {kGarden, kUndated}).ranges[0].offset;
+  EXPECT_EQ(workFile() + "\t" + std::to_string(gardenOffset) + "\n",
+            host({"search", "tomatoes", "--output", "files"}).out);
+  EXPECT_EQ(2, host({"search", "x", "--sort", "best"}).status);
 
   // Without --json: id, date, sender, subject, then the snippet with the matches marked.
   const HostResult plain = host({"search", "tomatoes"});

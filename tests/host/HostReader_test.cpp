@@ -69,6 +69,13 @@ TEST_F(HostReaderTest, DatesAreTrueTimesWithTheSendersZoneOrTheDelimiterLine) {
   EXPECT_EQ(undated.numbers.count("date"), 0u);
   const HostResult line = host({"search", "quokka"});
   EXPECT_NE(line.out.find("  -  Nowhen"), std::string::npos) << line.out;
+  // Sorted by date either way, the undated come last.
+  for (const char *order : {"newest", "oldest"}) {
+    const std::vector<JsonObject> hits =
+        searchJson("quokka OR kumquat OR xylophone", {"--sort", order});
+    ASSERT_EQ(hits.size(), 3u);
+    EXPECT_EQ(hits.back().strings.at("subject"), "no date anywhere") << order;
+  }
   // A range is on the true date, and leaves the undated out.
   EXPECT_EQ(searchJson("xylophone", {"--since", "1998-01-15", "--until", "1998-01-15"}).size(),
             1u);
