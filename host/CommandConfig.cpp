@@ -113,6 +113,8 @@ int runConfig(const CommandLine &line, const HostSettings &settings) {
                          extensionArgument(line.value(extension.first))))
       return reportError("cannot write " + std::string(extension.second) + " to " + registryFile());
   }
+  if (!rememberStore(settings.agentKey))
+    return reportError("cannot write the list of stores to " + registryFile());
   printSettings(settings.agentKey);
   return kExitOk;
 }

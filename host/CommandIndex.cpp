@@ -8,7 +8,9 @@
 #include "host/Indexer.h"
 #include "host/StoreTree.h"
 
+#include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <cstdio>
 
 namespace {
@@ -79,9 +81,11 @@ int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &set
   {
     ProgressBar progress(!settings.log); // the log's lines would tear the bar
     const int64_t agentId = db.agentId(agentKey);
-    if (agentId != 0)
+    if (agentId != 0) {
       updateIndex(agent->entries(), framingOfKey(agentKey), db, agentId, tree, progress,
                   summary);
+      db.setIndexedAt(agentId, static_cast<int64_t>(std::time(nullptr)));
+    }
   }
   if (!db.ok() || !db.commit()) {
     const std::string reason = db.errorText();
@@ -116,12 +120,16 @@ int runIndex(const CommandLine &line, const HostSettings &settings) {
   if (!settings.agentKey.empty()) {
     keys.push_back(settings.agentKey);
   } else {
+    // Every store in the index, and every store config set up, indexed before or not.
     keys = db->agentKeys();
     if (!db->ok())
       return reportError(db->errorText());
+    for (const std::string &key : configuredStores())
+      if (std::find(keys.begin(), keys.end(), key) == keys.end())
+        keys.push_back(key);
     if (keys.empty())
-      return reportUsageError("index", "the index holds no store yet: name the client with "
-                                       "--client (or --key)");
+      return reportUsageError("index", "no store is set up yet: run mhhost config --client "
+                                       "CLIENT --mail-dir DIR first");
   }
   int status = kExitOk;
   for (const std::string &key : keys) {

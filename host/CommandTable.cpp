@@ -61,7 +61,8 @@ offset, length, checksum, time and subject.
      "[--stats]",
      R"(Indexes the store into the index database. The first run reads every message; a later
 run reads again only the mailboxes that changed, and drops messages that are gone. Without
---client or --key, every store already in the index is brought up to date.
+--client or --key, every store that config has set up or the index holds is brought up to
+date.
   --stats   a line for each mailbox that was read
 )",
      {"stats"},
@@ -119,6 +120,17 @@ with its name, type and size.
      1,
      false,
      runCat},
+    {"status",
+     "",
+     R"(Lists the stores that config has set up or the index holds: each with its mail
+directory, the number of messages the index holds and when it last read them; then the
+index's file and size.
+)",
+     {},
+     0,
+     0,
+     false,
+     runStatus},
     {"demo",
      "[--dir DIR]",
      R"(Writes small sample stores of all four clients into a folder of its own, configures,

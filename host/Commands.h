@@ -31,3 +31,4 @@ int runSearch(const CommandLine &line, const HostSettings &settings);
 int runShow(const CommandLine &line, const HostSettings &settings);
 int runCat(const CommandLine &line, const HostSettings &settings);
 int runDemo(const CommandLine &line, const HostSettings &settings);
+int runStatus(const CommandLine &line, const HostSettings &settings);

@@ -22,7 +22,8 @@ const char kAgentsSchema[] = R"sql(
 CREATE TABLE agents(
   id INTEGER PRIMARY KEY,
   key TEXT NOT NULL UNIQUE,
-  tree_state INTEGER NOT NULL DEFAULT 0
+  tree_state INTEGER NOT NULL DEFAULT 0,
+  indexed_at INTEGER
 );
 )sql";
 
@@ -203,6 +204,9 @@ bool IndexDb::rebuildOldSchema() {
     std::fprintf(stderr, "mhhost: the index %s was made by an older mhhost; it is rebuilt "
                          "now, and every message is read again\n", path_.c_str());
     connection_->exec(kOldTables);
+    if (pragmaValue(*connection_, "SELECT count(*) FROM pragma_table_info('agents') "
+                                  "WHERE name = 'indexed_at'") == 0)
+      connection_->exec("ALTER TABLE agents ADD COLUMN indexed_at INTEGER");
     connection_->exec(kSchema);
     connection_->exec("PRAGMA user_version = " + std::to_string(kSchemaVersion));
   }

@@ -60,6 +60,13 @@ struct SearchHit {
   std::string from, subject, snippet;
 };
 
+struct StoreStatus {
+  std::string agentKey;
+  int64_t messages = 0;
+  bool indexed = false;
+  int64_t indexedAt = 0; // when a run last finished, seconds since 1970
+};
+
 struct IndexedObject {
   int64_t id = 0;
   std::string agentKey;
@@ -89,6 +96,7 @@ public:
   int64_t agentId(const std::string &agentKey); // made when missing; 0 on an error
   int64_t treeState(int64_t agent);
   void setTreeState(int64_t agent, int64_t state);
+  void setIndexedAt(int64_t agent, int64_t seconds);
   std::vector<StoredMailbox> mailboxes(int64_t agent);
   int64_t addMailbox(int64_t agent, const std::string &path);
   void setFileState(int64_t mailbox, int64_t state);
@@ -111,6 +119,7 @@ public:
   // The number of hits of `query`, all of them; -1 with `error` as search() gives it.
   int64_t countHits(const SearchQuery &query, std::string &error);
   bool findObject(int64_t id, IndexedObject &object);
+  std::vector<StoreStatus> storeStatus();
   // Whether `id` was ever given to an object (which may be gone since).
   bool wasGiven(int64_t id);
 

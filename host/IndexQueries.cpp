@@ -139,3 +139,21 @@ bool IndexDb::wasGiven(int64_t id) {
   Statement select(*connection_, "SELECT seq FROM sqlite_sequence WHERE name = 'objects'");
   return select.step() && id <= select.integer(0);
 }
+
+std::vector<StoreStatus> IndexDb::storeStatus() {
+  Statement select(*connection_, R"sql(
+    SELECT a.key, a.indexed_at,
+           (SELECT count(*) FROM objects o JOIN mailboxes m ON m.id = o.mailbox
+            WHERE m.agent = a.id)
+    FROM agents a ORDER BY a.id)sql");
+  std::vector<StoreStatus> stores;
+  while (select.step()) {
+    StoreStatus store;
+    store.agentKey = select.text(0);
+    store.indexed = !select.isNull(1);
+    store.indexedAt = select.integer(1);
+    store.messages = select.integer(2);
+    stores.push_back(std::move(store));
+  }
+  return stores;
+}

@@ -5,6 +5,7 @@
 
 struct IndexDb::Statements {
   std::unique_ptr<Statement> agentKeys, findAgent, insertAgent, treeState, setTreeState;
+  std::unique_ptr<Statement> setIndexedAt;
   std::unique_ptr<Statement> mailboxes, insertMailbox, setFileState, deleteMailbox;
   std::unique_ptr<Statement> objects, insertObject, insertText, replaceRecord;
   std::unique_ptr<Statement> deleteObject, deleteText, moveObject;

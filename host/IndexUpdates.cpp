@@ -34,6 +34,13 @@ void IndexDb::setTreeState(int64_t agent, int64_t state) {
       .run();
 }
 
+void IndexDb::setIndexedAt(int64_t agent, int64_t seconds) {
+  prepared(statements_->setIndexedAt, "UPDATE agents SET indexed_at = ? WHERE id = ?")
+      .bind(1, seconds)
+      .bind(2, agent)
+      .run();
+}
+
 std::vector<StoredMailbox> IndexDb::mailboxes(int64_t agent) {
   Statement &select = prepared(statements_->mailboxes, R"sql(
     SELECT m.id, m.path, m.file_state, count(o.id),

@@ -29,6 +29,33 @@ TEST(HostUpdatesTest, AMessageThatGrewIsHeldOnceWithItsWholeText) {
   EXPECT_EQ(fixture.searchJson("zebra").size(), 1u);
 }
 
+// What config set up is what index reads, indexed before or not; status shows it.
+TEST(HostStoresTest, IndexReadsEveryStoreConfigSetUpAndStatusListsThem) {
+  HostFixture fixture;
+  const std::string second = "Software\\Tuk\\Agents\\MHNetscape\\Second";
+  writeMailbox("netscape", fixture.dir.file("one/Inbox"), {{"", "a@b.c", "", "", "one", "x\n"}});
+  writeMailbox("netscape", fixture.dir.file("two/Inbox"),
+               {{"", "a@b.c", "", "", "two", "y\n"}, {"", "a@b.c", "", "", "three", "z\n"}});
+  ASSERT_EQ(0, fixture.host({"config", "--client", "netscape", "--mail-dir",
+                             fixture.dir.file("one"), "--yes"}).status);
+  ASSERT_EQ(0, fixture.host({"--key", second, "config", "--mail-dir", fixture.dir.file("two"),
+                             "--yes"}).status);
+  HostResult status = fixture.host({"status"});
+  EXPECT_NE(std::string::npos, status.out.find("netscape\n  mail:     " + fixture.dir.file("one") +
+                                               "\n  messages: 0\n  indexed:  never"))
+      << status.out;
+  EXPECT_NE(std::string::npos, status.out.find("not made yet")) << status.out;
+
+  const HostResult run = fixture.host({"index"});
+  ASSERT_EQ(0, run.status) << run.err;
+  EXPECT_EQ(3u, fixture.searchJson("a").size());
+  status = fixture.host({"status"});
+  EXPECT_NE(std::string::npos, status.out.find(second + "\n  mail:     " +
+                                               fixture.dir.file("two") + "\n  messages: 2"))
+      << status.out;
+  EXPECT_EQ(std::string::npos, status.out.find("never")) << status.out;
+}
+
 const TestMessage kPets = {"Thu, 15 Jan 1998 10:30:45 +0000", "Ann <ann@example.org>",
                            "bob@example.org", "", "Pets", "cat dog\n"};
 const TestMessage kPlants = {"Fri, 16 Jan 1998 10:30:45 +0000", "Bob <bob@example.org>",
