@@ -11,8 +11,9 @@ struct OptionName {
 };
 
 const OptionName kOptions[] = {
-    {"help", false},   {"client", true},   {"key", true},      {"registry", true},
-    {"db", true},      {"language", true}, {"log", false},     {"mail-dir", true},
+    {"help", false},   {"version", false}, {"client", true},   {"key", true},
+    {"registry", true}, {"db", true},      {"language", true}, {"log", false},
+    {"mail-dir", true},
     {"exe-dir", true}, {"mail-ext", true}, {"ctrl-ext", true}, {"attachments", true},
     {"yes", false},    {"json", false},    {"stats", false},   {"raw", false},
     {"count", false},  {"offset", true},   {"sort", true},     {"output", true},

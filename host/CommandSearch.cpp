@@ -110,7 +110,9 @@ bool readCount(const std::string &text, int64_t &value) {
 
 int runSearch(const CommandLine &line, const HostSettings &settings) {
   SearchQuery query;
-  query.match = line.arguments.front();
+  // Several arguments are one query: the words of all must be found.
+  for (const std::string &argument : line.arguments)
+    query.match += (query.match.empty() ? "" : " ") + argument;
   query.agentKey = settings.agentKey;
   if (line.has("limit") && (!readCount(line.value("limit"), query.limit) || query.limit == 0))
     return reportUsageError("search", "--limit wants a number of 1 or more");

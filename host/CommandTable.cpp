@@ -20,6 +20,7 @@ const char kCommonOptions[] = R"(Options of every command:
   --language LANG    the agent's language (default EN; e.g. DE)
   --log              the agent's log on standard error
   --help             this help
+mhhost --version tells the version.
 Exit status: 0 done, 1 an error, 2 a wrong command line.
 )";
 
@@ -71,10 +72,11 @@ date.
      false,
      runIndex},
     {"search",
-     "QUERY [--sort newest|oldest|relevance] [--limit N] [--offset N] [--since DATE]\n"
+     "QUERY... [--sort newest|oldest|relevance] [--limit N] [--offset N] [--since DATE]\n"
      "         [--until DATE] [--count] [--output summary|ids|files|json]",
      R"(Searches the index, newest first, each hit with its id, date, sender, subject, store
-and folder and a snippet, decoded as a mail reader shows them. QUERY is FTS5 query syntax:
+and folder and a snippet, decoded as a mail reader shows them. The words of QUERY may be one argument or
+several, which must all be found. QUERY is FTS5 query syntax:
 words, "a phrase", AND, OR, NOT, prefix*, and the columns subject:, from:, to:, cc:, body:
 and attachment:, e.g.  from:ann subject:report
 Put words with punctuation in double quotes: from:"ann@example.org".
@@ -95,7 +97,7 @@ With --client or --key only that store's messages are searched.
 )",
      {"limit", "offset", "sort", "since", "until", "count", "output", "json"},
      1,
-     1,
+     1000,
      false,
      runSearch},
     {"show",
@@ -181,6 +183,10 @@ bool allowed(const CommandSpec &command, const std::string &option) {
 } // namespace
 
 int runCommandLine(const CommandLine &line) {
+  if (line.command.empty() && line.has("version")) {
+    std::printf("mhhost %s\n", TUK_VERSION);
+    return kExitOk;
+  }
   if (line.command.empty() || line.command == "help") {
     const CommandSpec *about =
         line.arguments.empty() ? nullptr : findCommand(line.arguments.front());

@@ -1,9 +1,12 @@
 // The options common to all commands, and the default database location.
 #include "host/HostSettings.h"
 
+#include "host/AgentLibrary.h"
 #include "host/Clients.h"
 
 #include <cstdlib>
+#include <dirent.h>
+#include <sys/stat.h>
 #include <limits.h>
 #include <pwd.h>
 #include <unistd.h>
@@ -17,6 +20,31 @@ std::string homeDirectory() {
     return home;
   const struct passwd *account = getpwuid(getuid());
   return account != nullptr && account->pw_dir != nullptr ? account->pw_dir : "";
+}
+
+// A language other than EN needs its module beside the agent: tuk_mhmail<LANG>.so. Without
+// it the agent would go on in English, which is not what was asked for.
+bool languageModuleExists(const std::string &language, std::string &error) {
+  if (language == "EN")
+    return true;
+  const std::string directory = programDirectory();
+  struct stat status;
+  if (stat((directory + "/tuk_mhmail" + language + ".so").c_str(), &status) == 0)
+    return true;
+  std::string found = "EN";
+  if (DIR *const listing = opendir(directory.c_str())) {
+    while (const dirent *entry = readdir(listing)) {
+      const std::string name = entry->d_name;
+      const std::string prefix = "tuk_mhmail", suffix = ".so";
+      if (name.size() > prefix.size() + suffix.size() && name.compare(0, prefix.size(), prefix) == 0 &&
+          name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0)
+        found += ", " + name.substr(prefix.size(), name.size() - prefix.size() - suffix.size());
+    }
+    closedir(listing);
+  }
+  error = "there is no language module " + language + " (tuk_mhmail" + language + ".so in " +
+          directory + "); the languages are: " + found;
+  return false;
 }
 
 } // namespace
@@ -71,6 +99,8 @@ bool readHostSettings(const CommandLine &line, HostSettings &settings, std::stri
   settings.registryPath = absolutePath(line.value("registry"));
   settings.databasePath = line.has("db") ? absolutePath(line.value("db")) : defaultDatabasePath();
   settings.language = line.value("language", "EN");
+  if (!languageModuleExists(settings.language, error))
+    return false;
   settings.log = line.has("log");
   settings.askNothing = line.askNothing;
   return true;

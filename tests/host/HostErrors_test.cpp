@@ -34,7 +34,7 @@ TEST_F(HostErrorsTest, UsageErrorsExitWithTwo) {
       {"config", "--client", "eudora"},
       {"config", "--client", "netscape", "--mail-dir", "/tmp", "--attachments", "on"},
       {"config", "--client", "eudora", "--mail-dir", "/tmp", "--attachments", "maybe"},
-      {"search"}, {"search", "a", "b"}, {"search", "x", "--limit", "0"},
+      {"search"}, {"--language", "QQ", "search", "x"}, {"search", "x", "--limit", "0"},
       {"search", "x", "--since", "yesterday"}, {"search", "x", "--until", "1998-13-01"},
       {"search", "x", "--db"}, {"show", "first"}, {"cat"}, {"index", "--stats=yes"}};
   for (const std::vector<std::string> &arguments : wrong) {
@@ -46,7 +46,7 @@ TEST_F(HostErrorsTest, UsageErrorsExitWithTwo) {
     EXPECT_FALSE(run.err.empty()) << line;
     EXPECT_EQ("", run.out) << line;
   }
-  // An index holding nothing yet can't say which store "index" alone should mean.
+  // With no store set up and none indexed, "index" alone has nothing to read.
   EXPECT_EQ(2, host({"index"}).status);
 }
 

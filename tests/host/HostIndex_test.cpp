@@ -154,6 +154,8 @@ TEST_P(HostStoreTest, SearchesEachFieldAndDateRanges) {
   EXPECT_EQ(Subjects({"Lunch on Friday"}), subjects("cc:dave"));
   EXPECT_EQ(Subjects({"Garden meeting"}), subjects("body:tomatoes"));
   EXPECT_EQ(Subjects({"Quarterly report draft"}), subjects("\"numbers are good\""));
+  // Words given as several arguments must all be found.
+  EXPECT_EQ("1\n", host({"search", "numbers", "good", "--count"}).out);
   // A word in a field is not found in another column.
   EXPECT_EQ(Subjects(), subjects("subject:carol"));
   EXPECT_EQ(Subjects({"Corrections"}),
