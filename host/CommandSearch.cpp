@@ -5,11 +5,14 @@
 #include "host/ExitStatus.h"
 #include "host/IndexDb.h"
 #include "host/Json.h"
+#include "host/QueryParser.h"
 #include "host/Terminal.h"
 #include "host/TimeText.h"
 #include "host/VisibleText.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <cstdlib>
 #include <map>
 #include <utility>
@@ -109,20 +112,40 @@ bool readCount(const std::string &text, int64_t &value) {
 } // namespace
 
 int runSearch(const CommandLine &line, const HostSettings &settings) {
-  SearchQuery query;
   // Several arguments are one query: the words of all must be found.
+  std::string text;
   for (const std::string &argument : line.arguments)
-    query.match += (query.match.empty() ? "" : " ") + argument;
+    text += (text.empty() ? "" : " ") + argument;
+  ParsedQuery parsed;
+  QueryError problem;
+  if (!parseQuery(text, std::time(nullptr), parsed, problem))
+    return reportUsageError("search", "the query can't be read: " + problem.what + "\n  " +
+                                          visibleText(text) + "\n  " +
+                                          std::string(problem.position, ' ') + "^");
+  SearchQuery query;
+  query.match = parsed.match;
+  query.without = parsed.without;
+  query.folders = parsed.folders;
+  query.clientTags = parsed.clientTags;
+  query.ids = parsed.ids;
+  query.dated = parsed.dated;
+  query.since = parsed.since;
+  query.until = parsed.until;
   query.agentKey = settings.agentKey;
   if (line.has("limit") && (!readCount(line.value("limit"), query.limit) || query.limit == 0))
     return reportUsageError("search", "--limit wants a number of 1 or more");
   if (line.has("offset") && !readCount(line.value("offset"), query.offset))
     return reportUsageError("search", "--offset wants a number of 0 or more");
-  if (line.has("since") && !parseDateArgument(line.value("since"), false, query.since))
+  int64_t since = 0, until = 0;
+  if (line.has("since") && !parseDateArgument(line.value("since"), false, since))
     return reportUsageError("search", "--since wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
-  if (line.has("until") && !parseDateArgument(line.value("until"), true, query.until))
+  if (line.has("until") && !parseDateArgument(line.value("until"), true, until))
     return reportUsageError("search", "--until wants a date: YYYY-MM-DD or \"YYYY-MM-DD HH:MM\"");
-  query.dated = line.has("since") || line.has("until");
+  if (line.has("since"))
+    query.since = std::max(query.since, since);
+  if (line.has("until"))
+    query.until = std::min(query.until, until);
+  query.dated = query.dated || line.has("since") || line.has("until");
   const std::string sort = line.value("sort", "newest");
   if (sort == "oldest")
     query.order = SearchQuery::Order::Oldest;

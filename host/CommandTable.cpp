@@ -75,11 +75,16 @@ date.
      "QUERY... [--sort newest|oldest|relevance] [--limit N] [--offset N] [--since DATE]\n"
      "         [--until DATE] [--count] [--output summary|ids|files|json]",
      R"(Searches the index, newest first, each hit with its id, date, sender, subject, store
-and folder and a snippet, decoded as a mail reader shows them. The words of QUERY may be one argument or
-several, which must all be found. QUERY is FTS5 query syntax:
-words, "a phrase", AND, OR, NOT, prefix*, and the columns subject:, from:, to:, cc:, body:
-and attachment:, e.g.  from:ann subject:report
-Put words with punctuation in double quotes: from:"ann@example.org".
+and folder and a snippet, decoded as a mail reader shows them. QUERY is one argument or
+several; all its words must be found:
+  garden party            both words          "garden party"    the phrase
+  garden OR party         either word         garden -draft     NOT draft, also: NOT draft
+  (a OR b) c, garden*     groups, prefixes    quarterly-report  punctuation needs no quotes
+  subject: from: to: cc: body: attachment:    a word or phrase in one field
+  date:1998  date:1998-03  date:1998-03-14  date:1997..1998-06  date:..1998
+  date:today  date:yesterday  date:7d..  date:2w..  date:3m..  date:1y..
+  folder:Archive  client:netscape  id:42      (beside the words, not inside OR)
+AND, OR and NOT count in any case. Dates are in your zone, on the messages' true dates.
   --sort S        newest (the default) or oldest, by the messages' true dates, those
                   without a date last; or relevance (bm25, a subject match weighs most)
   --limit N       at most N hits (default 20)

@@ -36,7 +36,11 @@ struct StoredObject {
 };
 
 struct SearchQuery {
-  std::string match;    // FTS5 query syntax
+  std::string match;    // FTS5 query syntax; empty: no word must be found
+  std::vector<std::string> without; // FTS5 expressions that must not match
+  std::vector<std::string> folders; // parts of the mailbox's path, any case
+  std::vector<std::string> clientTags; // parts of the agent key
+  std::vector<int64_t> ids;
   std::string agentKey; // empty: every agent's objects
   // On the true dates: a message without one is outside any range given.
   bool dated = false;

@@ -40,15 +40,32 @@ std::string queryProblem(const std::string &engineMessage, const std::string &qu
 
 namespace {
 
-const char kMatching[] = R"sql(
-    FROM texts
-      JOIN objects o ON o.id = texts.rowid
-      JOIN mailboxes m ON m.id = o.mailbox
-      JOIN agents a ON a.id = m.agent
-    WHERE texts MATCH ?3 AND (?8 = 0 OR o.date BETWEEN ?4 AND ?5) AND (?6 = '' OR a.key = ?6))sql";
+// FROM and WHERE of a search: the words through the full-text table where there are any,
+// then every condition, its values bound from ?10 on.
+std::string matching(const SearchQuery &query) {
+  std::string sql = query.match.empty()
+                        ? " FROM objects o JOIN texts ON texts.rowid = o.id"
+                          " JOIN mailboxes m ON m.id = o.mailbox JOIN agents a ON a.id = m.agent"
+                          " WHERE 1"
+                        : " FROM texts JOIN objects o ON o.id = texts.rowid"
+                          " JOIN mailboxes m ON m.id = o.mailbox JOIN agents a ON a.id = m.agent"
+                          " WHERE texts MATCH ?3";
+  sql += " AND (?8 = 0 OR o.date BETWEEN ?4 AND ?5) AND (?6 = '' OR a.key = ?6)";
+  int parameter = 10;
+  const auto next = [&parameter] { return "?" + std::to_string(parameter++); };
+  for (size_t i = 0; i < query.without.size(); ++i)
+    sql += " AND o.id NOT IN (SELECT rowid FROM texts WHERE texts MATCH " + next() + ")";
+  for (size_t i = 0; i < query.folders.size(); ++i)
+    sql += " AND instr(lower(m.path), lower(" + next() + ")) > 0";
+  for (size_t i = 0; i < query.clientTags.size(); ++i)
+    sql += " AND instr(a.key, " + next() + ") > 0";
+  for (const int64_t id : query.ids)
+    sql += " AND o.id = " + std::to_string(id);
+  return sql;
+}
 
-const char *orderOf(SearchQuery::Order order) {
-  switch (order) {
+const char *orderOf(const SearchQuery &query) {
+  switch (query.match.empty() ? SearchQuery::Order::Newest : query.order) {
   case SearchQuery::Order::Oldest:
     return " ORDER BY o.date IS NULL, o.date, o.id";
   case SearchQuery::Order::Relevance:
@@ -71,6 +88,10 @@ void IndexDb::bindQuery(Statement &select, const SearchQuery &query) {
       .bind(7, query.limit)
       .bind(8, query.dated ? 1 : 0)
       .bind(9, query.offset);
+  int parameter = 10;
+  for (const std::vector<std::string> *texts : {&query.without, &query.folders, &query.clientTags})
+    for (const std::string &text : *texts)
+      select.bind(parameter++, text);
 }
 
 bool IndexDb::queryRead(std::string &error, const SearchQuery &query) {
@@ -88,10 +109,13 @@ bool IndexDb::queryRead(std::string &error, const SearchQuery &query) {
 
 bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error) {
   // Not kept: its snippet marks change from call to call. bm25 weights are the table's rank.
+  // Without words to match there is no snippet to take: the start of the text stands for it.
   const std::string sql =
       std::string("SELECT o.id, a.key, m.path, o.offset, o.length, o.time, texts.\"from\", "
-                  "texts.subject, snippet(texts, -1, ?1, ?2, '...', 16), o.date") +
-      kMatching + orderOf(query.order) + " LIMIT ?7 OFFSET ?9";
+                  "texts.subject, ") +
+      (query.match.empty() ? "substr(texts.body, 1, 100)"
+                           : "snippet(texts, -1, ?1, ?2, '...', 16)") +
+      ", o.date" + matching(query) + orderOf(query) + " LIMIT ?7 OFFSET ?9";
   Statement select(*connection_, sql.c_str());
   bindQuery(select, query);
   hits.clear();
@@ -114,8 +138,7 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
 }
 
 int64_t IndexDb::countHits(const SearchQuery &query, std::string &error) {
-  // The numbered parameters that the count does not use are still bound: unused is fine.
-  const std::string sql = std::string("SELECT count(*), ?1, ?2, ?7, ?9") + kMatching;
+  const std::string sql = "SELECT count(*)" + matching(query);
   Statement select(*connection_, sql.c_str());
   bindQuery(select, query);
   const int64_t count = select.step() ? select.integer(0) : 0;

@@ -62,26 +62,38 @@ TEST_F(HostErrorsTest, EveryCommandHasItsHelp) {
   EXPECT_NE(std::string::npos, general.out.find("search QUERY"));
 }
 
-// A query that can't be read is the person's mistake, told in the words of the query: no
-// word of the engine's reaches them.
-TEST_F(HostErrorsTest, AnUnreadableQueryIsAUsageErrorInTheQuerysWords) {
+// Queries as people type them are read, and one that can't be is told in the words of the
+// query, with a mark under the place: no word of the engine's reaches the person.
+TEST_F(HostErrorsTest, QueriesAsTypedAndTheMistakesInThem) {
   indexOneMessage();
+  for (const char *readable : {"ann@example.org", "from:ann@example.org", "-nothing ann",
+                               "NOT nothing", "ann and not nothing", "re:status", "*x"})
+    EXPECT_EQ(0, host({"search", readable}).status) << readable;
+  EXPECT_EQ(1u, searchJson("ann@example.org").size());
   const struct {
     const char *query, *said;
+    size_t column;
   } cases[] = {
-      {"ann@example.org", "double quotes"},   {"foo-bar", "double quotes"},
-      {"foo:bar", "foo: is no field"},        {"\"unclosed", "double quote is not closed"},
-      {"AND", "\"AND\" is out of place"},     {"garden OR", "ends too early"},
-      {"*x", "at the end of a word"},
+      {"a \"unclosed", "double quote is not closed", 2},
+      {"AND", "a word is missing before this operator", 0},
+      {"garden OR", "ends where a word was expected", 9},
+      {"(garden party", "parenthesis is not closed", 0},
+      {"garden)", "closes none", 6},
+      {"date:1998-13", "date: wants a day", 0},
+      {"client:mutt", "client: is one of", 0},
+      {"a (b OR date:1998)", "stand beside the words", 3},
+      {"a OR NOT b", "NOT inside parentheses or OR", 5},
   };
   for (const auto &c : cases) {
     const HostResult run = host({"search", c.query});
     EXPECT_EQ(2, run.status) << c.query;
     EXPECT_NE(std::string::npos, run.err.find(c.said)) << run.err;
+    EXPECT_NE(std::string::npos, run.err.find("\n  " + std::string(c.query) + "\n  " +
+                                              std::string(c.column, ' ') + "^\n"))
+        << run.err;
     for (const char *internal : {"fts5", "column", "syntax error", "unterminated"})
       EXPECT_EQ(std::string::npos, run.err.find(internal)) << run.err;
   }
-  EXPECT_EQ(1u, searchJson("from:\"ann@example.org\"").size());
 }
 
 // A file that is not our index, for any reason, is refused by every command and left byte for

@@ -154,6 +154,13 @@ TEST_P(HostStoreTest, SearchesEachFieldAndDateRanges) {
   EXPECT_EQ(Subjects({"Lunch on Friday"}), subjects("cc:dave"));
   EXPECT_EQ(Subjects({"Garden meeting"}), subjects("body:tomatoes"));
   EXPECT_EQ(Subjects({"Quarterly report draft"}), subjects("\"numbers are good\""));
+  // Conditions beside the words: folder, client, true date and id.
+  EXPECT_EQ(2u, subjects("folder:work").size());
+  EXPECT_EQ(Subjects({"Lunch on Friday"}), subjects("client:" + client() + " lunch"));
+  const std::string otherClient = client() == "eudora" ? "pegasus" : "eudora";
+  EXPECT_EQ(Subjects(), subjects("client:" + otherClient));
+  EXPECT_EQ(Subjects({"Corrections"}), subjects("date:1998-01-16 ann"));
+  EXPECT_EQ(Subjects({"Garden meeting"}), subjects("id:" + std::to_string(idOf("tomatoes"))));
   // Words given as several arguments must all be found.
   EXPECT_EQ("1\n", host({"search", "numbers", "good", "--count"}).out);
   // A word in a field is not found in another column.
