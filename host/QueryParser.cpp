@@ -451,9 +451,14 @@ private:
 
 } // namespace
 
-bool parseQuery(const std::string &text, time_t now, ParsedQuery &query, QueryError &error) {
+bool parseQuery(const std::string &typed, time_t now, ParsedQuery &query, QueryError &error) {
   query = ParsedQuery();
-  if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
+  // Control characters, a zero byte among them, are blanks: no word holds one.
+  std::string text = typed;
+  for (char &c : text)
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
+      c = ' ';
+  if (text.find_first_not_of(' ') == std::string::npos) {
     error = {0, "the query is empty"};
     return false;
   }

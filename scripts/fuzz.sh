@@ -33,7 +33,7 @@ while [ $# -gt 0 ]; do
 done
 [ ${#targets[@]} -gt 0 ] || targets=(message_init mail_date framing_eudora framing_internet
                                       framing_netscape framing_pegasus pairing registry ini
-                                      reader)
+                                      reader query)
 
 if [ "$build" -eq 1 ]; then
   if [ "$build_dir" = build/fuzz ]; then
