@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <limits.h>
 #include <string>
 #include <unistd.h>
@@ -43,6 +44,15 @@ std::string programDirectory() {
   return slash == std::string::npos ? "." : program.substr(0, slash);
 }
 
+std::string agentDirectory() {
+  const std::string here = programDirectory();
+  struct stat status;
+  if (stat((here + "/tuk_mhmail.so").c_str(), &status) == 0)
+    return here;
+  const std::string installed = here + "/../lib/tuk";
+  return stat((installed + "/tuk_mhmail.so").c_str(), &status) == 0 ? installed : here;
+}
+
 void AgentLibrary::Unloader::operator()(void *library) const {
   if (library != nullptr)
     dlclose(library);
@@ -51,7 +61,7 @@ void AgentLibrary::Unloader::operator()(void *library) const {
 std::unique_ptr<AgentLibrary> AgentLibrary::load(const AgentLoadOptions &options,
                                                  std::string &error) {
   const std::string path =
-      options.libraryPath.empty() ? programDirectory() + "/tuk_mhmail.so" : options.libraryPath;
+      options.libraryPath.empty() ? agentDirectory() + "/tuk_mhmail.so" : options.libraryPath;
   std::unique_ptr<AgentLibrary> agent(new AgentLibrary);
   agent->library_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (!agent->library_) {

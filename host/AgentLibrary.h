@@ -41,3 +41,6 @@ private:
 
 // The directory this program was started from, without a trailing slash.
 std::string programDirectory();
+// Where the agent and what sits beside it are: this program's directory in a build, or
+// ../lib/tuk beside it where the program was installed.
+std::string agentDirectory();

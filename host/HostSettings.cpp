@@ -27,7 +27,7 @@ std::string homeDirectory() {
 bool languageModuleExists(const std::string &language, std::string &error) {
   if (language == "EN")
     return true;
-  const std::string directory = programDirectory();
+  const std::string directory = agentDirectory();
   struct stat status;
   if (stat((directory + "/tuk_mhmail" + language + ".so").c_str(), &status) == 0)
     return true;
