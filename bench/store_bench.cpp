@@ -8,6 +8,7 @@
 #include "bench/FileCache.h"
 #include "bench/MappedRead.h"
 #include "bench/ProcessRun.h"
+#include "bench/QueryTimes.h"
 #include "bench/StoreWriter.h"
 #include "cmn/Registry.h"
 
@@ -292,6 +293,8 @@ void measure(const Store &store, const Options &options, const std::string &self
   if (hostBuilt) {
     printRow(host, store, cat);
     printRow(again, store, cat);
+    measureQueries(options.mhhost, store.registry, store.database,
+                   clientFormat(store.client).name);
   } else {
     std::printf("  mhhost: not built\n");
   }

@@ -43,14 +43,18 @@ namespace {
 // FROM and WHERE of a search: the words through the full-text table where there are any,
 // then every condition, its values bound from ?10 on.
 std::string matching(const SearchQuery &query) {
+  // The mailbox and the agent of each match are looked up only when a condition needs them.
+  const bool places = !query.agentKey.empty() || !query.folders.empty() ||
+                      !query.clientTags.empty();
   std::string sql = query.match.empty()
-                        ? " FROM objects o JOIN texts ON texts.rowid = o.id"
-                          " JOIN mailboxes m ON m.id = o.mailbox JOIN agents a ON a.id = m.agent"
-                          " WHERE 1"
-                        : " FROM texts JOIN objects o ON o.id = texts.rowid"
-                          " JOIN mailboxes m ON m.id = o.mailbox JOIN agents a ON a.id = m.agent"
-                          " WHERE texts MATCH ?3";
-  sql += " AND (?8 = 0 OR o.date BETWEEN ?4 AND ?5) AND (?6 = '' OR a.key = ?6)";
+                        ? " FROM objects o"
+                        : " FROM texts JOIN objects o ON o.id = texts.rowid";
+  if (places)
+    sql += " JOIN mailboxes m ON m.id = o.mailbox JOIN agents a ON a.id = m.agent";
+  sql += query.match.empty() ? " WHERE 1" : " WHERE texts MATCH ?3";
+  sql += " AND (?8 = 0 OR o.date BETWEEN ?4 AND ?5)";
+  if (!query.agentKey.empty())
+    sql += " AND a.key = ?6";
   int parameter = 10;
   const auto next = [&parameter] { return "?" + std::to_string(parameter++); };
   for (size_t i = 0; i < query.without.size(); ++i)
@@ -108,18 +112,36 @@ bool IndexDb::queryRead(std::string &error, const SearchQuery &query) {
 }
 
 bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error) {
-  // Not kept: its snippet marks change from call to call. bm25 weights are the table's rank.
-  // Without words to match there is no snippet to take: the start of the text stands for it.
+  hits.clear();
+  // First the page of ids, in order: a sort by date visits every match, and must not take a
+  // snippet, which reads a message's whole text, of each.
+  std::vector<int64_t> page;
+  {
+    const std::string sql =
+        "SELECT o.id" + matching(query) + orderOf(query) + " LIMIT ?7 OFFSET ?9";
+    Statement select(*connection_, sql.c_str());
+    bindQuery(select, query);
+    while (select.step())
+      page.push_back(select.integer(0));
+    if (!queryRead(error, query))
+      return false;
+  }
+  // Then each hit of the page with its snippet. Not kept: its marks change from call to call.
+  // Without words to match there is no snippet: the start of the text stands for it.
   const std::string sql =
       std::string("SELECT o.id, a.key, m.path, o.offset, o.length, o.time, texts.\"from\", "
                   "texts.subject, ") +
       (query.match.empty() ? "substr(texts.body, 1, 100)"
                            : "snippet(texts, -1, ?1, ?2, '...', 16)") +
-      ", o.date" + matching(query) + orderOf(query) + " LIMIT ?7 OFFSET ?9";
+      ", o.date FROM texts JOIN objects o ON o.id = texts.rowid JOIN mailboxes m ON m.id = "
+      "o.mailbox JOIN agents a ON a.id = m.agent WHERE texts.rowid = ?4" +
+      (query.match.empty() ? "" : " AND texts MATCH ?3");
   Statement select(*connection_, sql.c_str());
-  bindQuery(select, query);
-  hits.clear();
-  while (select.step()) {
+  for (const int64_t id : page) {
+    select.reset();
+    select.bind(1, query.markStart).bind(2, query.markEnd).bind(3, query.match).bind(4, id);
+    if (!select.step())
+      continue;
     SearchHit hit;
     hit.id = select.integer(0);
     hit.agentKey = select.text(1);
