@@ -129,7 +129,12 @@ std::unique_ptr<IndexDb> IndexDb::open(const std::string &path, Access access, s
 }
 
 bool IndexDb::claim(Access access, std::string &error) {
+  // The id and whether there is a schema at all, read in one transaction: another mhhost may
+  // be making the schema of a new index just now, and both come with its commit.
+  connection_->exec("BEGIN");
   const int64_t applicationId = pragmaValue(*connection_, "PRAGMA application_id");
+  const int64_t schemaEntries = pragmaValue(*connection_, "SELECT count(*) FROM sqlite_schema");
+  connection_->exec("COMMIT");
   if (!connection_->ok()) {
     error = errorText();
     return false;
@@ -151,8 +156,7 @@ bool IndexDb::claim(Access access, std::string &error) {
               "); it was left as it is";
       return false;
     }
-  } else if (applicationId != 0 ||
-             pragmaValue(*connection_, "SELECT count(*) FROM sqlite_schema") != 0) {
+  } else if (applicationId != 0 || schemaEntries != 0) {
     error = path_ + " is a database of another program, not an mhhost index; it was left as "
                     "it is (give another file with --db)";
     return false;
