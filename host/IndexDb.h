@@ -136,7 +136,7 @@ private:
   Statement &prepared(std::unique_ptr<Statement> &slot, const char *sql);
   void bindQuery(Statement &select, const SearchQuery &query);
   // True when the last query ran; false with `error` when the person's query was unreadable.
-  bool queryRead(std::string &error, const SearchQuery &query);
+  bool queryRead(std::string &error);
 
   std::unique_ptr<SqliteConnection> connection_;
   std::string path_;

@@ -237,17 +237,19 @@ private:
       ++work.report.failed;
       return;
     }
-    const ReadMessage &message = loaded_.message;
-    text_ = message.text;
-    if (!message.attachmentText.empty())
-      text_.append("\n").append(message.attachmentText);
+    // The searched text is the message's, with its text attachments', made in place: the
+    // message is read anew for the next object.
+    std::string &text = loaded_.message.text;
+    if (!loaded_.message.attachmentText.empty())
+      text.append("\n").append(loaded_.message.attachmentText);
     // Zero bytes end a C string: in the stored text they are blanks. Text rarely holds one,
     // and the library's search passes over the rest far faster than a loop byte by byte.
-    char *const end = &text_[0] + text_.size();
-    for (char *zero = &text_[0];
+    char *const end = &text[0] + text.size();
+    for (char *zero = &text[0];
          (zero = static_cast<char *>(std::memchr(zero, '\0', static_cast<size_t>(end - zero))));)
       *zero++ = ' ';
-    if (db_.addObject(work.id, record, loaded_.agentTime, loaded_.hash, message, text_) != 0) {
+    const ReadMessage &message = loaded_.message;
+    if (db_.addObject(work.id, record, loaded_.agentTime, loaded_.hash, message, text) != 0) {
       ++work.report.added;
       work.report.raw += message.decoded ? 0 : 1;
       ++addedSoFar_;
@@ -312,7 +314,6 @@ private:
   std::unordered_multimap<SizeAndSum, StoredPlace, SizeAndSumHash> movable_;
   MessageLoader loader_;
   LoadedMessage loaded_;
-  std::string text_;
   uint64_t addedSoFar_ = 0;
   std::chrono::steady_clock::time_point lastCommit_ = std::chrono::steady_clock::now();
   uint64_t sinceCommit_ = 0;

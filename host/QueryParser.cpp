@@ -3,6 +3,7 @@
 #include "host/QueryParser.h"
 
 #include "host/Clients.h"
+#include "host/TimeText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -29,6 +30,12 @@ bool isOtherField(const std::string &name) {
     if (strcasecmp(name.c_str(), candidate) == 0)
       return true;
   return false;
+}
+
+std::string lowerCase(std::string text) {
+  for (char &letter : text)
+    letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+  return text;
 }
 
 struct Token {
@@ -72,9 +79,7 @@ public:
     std::string word = text_.substr(start, at_ - start);
     const size_t colon = word.find(':');
     if (colon != std::string::npos && colon > 0) {
-      std::string name = word.substr(0, colon);
-      for (char &letter : name)
-        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+      const std::string name = lowerCase(word.substr(0, colon));
       if (isOneOf(name, kTextFields) || isOtherField(name)) {
         token.field = name;
         word.erase(0, colon + 1);
@@ -256,15 +261,6 @@ private:
 
 // ---- dates
 
-time_t localTime(int year, int month, int day) {
-  struct tm fields = {};
-  fields.tm_year = year - 1900;
-  fields.tm_mon = month - 1;
-  fields.tm_mday = day;
-  fields.tm_isdst = -1;
-  return mktime(&fields);
-}
-
 // A point of a date value as the span it names, [from, to).
 bool dateSpan(const std::string &text, time_t now, int64_t &from, int64_t &to) {
   struct tm today = {};
@@ -272,8 +268,8 @@ bool dateSpan(const std::string &text, time_t now, int64_t &from, int64_t &to) {
   const int year = today.tm_year + 1900, month = today.tm_mon + 1, day = today.tm_mday;
   if (text == "today" || text == "yesterday") {
     const int back = text == "today" ? 0 : 1;
-    from = localTime(year, month, day - back);
-    to = localTime(year, month, day - back + 1);
+    from = localMoment(year, month, day - back);
+    to = localMoment(year, month, day - back + 1);
     return true;
   }
   // 7d, 2w, 3m, 1y: that long ago, to now.
@@ -281,11 +277,11 @@ bool dateSpan(const std::string &text, time_t now, int64_t &from, int64_t &to) {
       text.find_first_not_of("0123456789") == text.size() - 1 && text.size() <= 6) {
     const int count = std::stoi(text.substr(0, text.size() - 1));
     const char unit = text.back();
-    from = unit == 'd'   ? localTime(year, month, day - count)
-           : unit == 'w' ? localTime(year, month, day - 7 * count)
-           : unit == 'm' ? localTime(year, month - count, day)
-                         : localTime(year - count, month, day);
-    to = localTime(year, month, day + 1);
+    from = unit == 'd'   ? localMoment(year, month, day - count)
+           : unit == 'w' ? localMoment(year, month, day - 7 * count)
+           : unit == 'm' ? localMoment(year, month - count, day)
+                         : localMoment(year - count, month, day);
+    to = localMoment(year, month, day + 1);
     return true;
   }
   int y = 0, m = 0, d = 0;
@@ -296,9 +292,9 @@ bool dateSpan(const std::string &text, time_t now, int64_t &from, int64_t &to) {
   if (!wellFormed || y < 1900 || y > 2200 || (read >= 2 && (m < 1 || m > 12)) ||
       (read == 3 && (d < 1 || d > 31)))
     return false;
-  from = localTime(y, read >= 2 ? m : 1, read == 3 ? d : 1);
-  to = read == 1 ? localTime(y + 1, 1, 1)
-                 : read == 2 ? localTime(y, m + 1, 1) : localTime(y, m, d + 1);
+  from = localMoment(y, read >= 2 ? m : 1, read == 3 ? d : 1);
+  to = read == 1 ? localMoment(y + 1, 1, 1)
+                 : read == 2 ? localMoment(y, m + 1, 1) : localMoment(y, m, d + 1);
   return true;
 }
 
@@ -428,10 +424,7 @@ private:
     } else if (field == "folder") {
       query_.folders.push_back(value);
     } else if (field == "client") {
-      std::string name = value;
-      for (char &letter : name)
-        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-      const ClientInfo *const client = findClient(name);
+      const ClientInfo *const client = findClient(lowerCase(value));
       if (client == nullptr)
         return fail(node.position, "client: is one of " + clientNames());
       query_.clientTags.push_back(client->tag);

@@ -4,6 +4,18 @@
 #include <cstdio>
 #include <ctime>
 
+time_t localMoment(int year, int month, int day, int hour, int minute, int second) {
+  struct tm fields = {};
+  fields.tm_year = year - 1900;
+  fields.tm_mon = month - 1;
+  fields.tm_mday = day;
+  fields.tm_hour = hour;
+  fields.tm_min = minute;
+  fields.tm_sec = second;
+  fields.tm_isdst = -1;
+  return mktime(&fields);
+}
+
 bool parseDateArgument(const std::string &text, bool endOfDay, int64_t &seconds) {
   int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
   char separator = ' ';
@@ -29,15 +41,9 @@ bool parseDateArgument(const std::string &text, bool endOfDay, int64_t &seconds)
   if (month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 || second > 60 ||
       hour < 0 || minute < 0 || second < 0 || year < 1900)
     return false;
-  struct tm fieldsOfTime = {};
-  fieldsOfTime.tm_year = year - 1900;
-  fieldsOfTime.tm_mon = month - 1;
-  fieldsOfTime.tm_mday = day;
-  fieldsOfTime.tm_hour = dateOnly && endOfDay ? 23 : hour;
-  fieldsOfTime.tm_min = dateOnly && endOfDay ? 59 : minute;
-  fieldsOfTime.tm_sec = dateOnly && endOfDay ? 59 : second;
-  fieldsOfTime.tm_isdst = -1;
-  const time_t result = mktime(&fieldsOfTime);
+  const bool wholeDay = dateOnly && endOfDay;
+  const time_t result = localMoment(year, month, day, wholeDay ? 23 : hour,
+                                    wholeDay ? 59 : minute, wholeDay ? 59 : second);
   if (result == static_cast<time_t>(-1))
     return false;
   seconds = static_cast<int64_t>(result);
