@@ -16,8 +16,8 @@ sqlite3 *engine() {
     sqlite3 *opened = nullptr;
     sqlite3_open(":memory:", &opened);
     sqlite3_exec(opened,
-                 "CREATE VIRTUAL TABLE texts USING fts5(subject, \"from\", \"to\", cc, body, "
-                 "attachment, tokenize = 'unicode61 remove_diacritics 2')",
+                 "CREATE VIRTUAL TABLE texts USING fts5(body, subject, \"from\", \"to\", cc, "
+                 "attachment, content = '', tokenize = 'unicode61 remove_diacritics 2')",
                  nullptr, nullptr, nullptr);
     return opened;
   }();

@@ -7,6 +7,7 @@
 #include "host/IndexRunLock.h"
 #include "host/Indexer.h"
 #include "host/StoreTree.h"
+#include "host/TextRebuild.h"
 
 #include <algorithm>
 #include <chrono>
@@ -137,5 +138,13 @@ int runIndex(const CommandLine &line, const HostSettings &settings) {
     if (result != kExitOk)
       status = result;
   }
+  // Only a run that read every store the index holds may read them all again.
+  const std::vector<std::string> held = db->agentKeys();
+  const bool everyStore = std::all_of(held.begin(), held.end(), [&keys](const std::string &key) {
+    return std::find(keys.begin(), keys.end(), key) != keys.end();
+  });
+  if (status == kExitOk && everyStore && textsWantRebuild(*db) &&
+      !rebuildTexts(*db, settings, error))
+    return reportError(error + "; the full-text index stays as it was");
   return status;
 }

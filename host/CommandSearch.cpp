@@ -3,6 +3,7 @@
 #include "host/Clients.h"
 #include "host/Commands.h"
 #include "host/ExitStatus.h"
+#include "host/HitSnippets.h"
 #include "host/IndexDb.h"
 #include "host/Json.h"
 #include "host/QueryParser.h"
@@ -179,6 +180,8 @@ int runSearch(const CommandLine &line, const HostSettings &settings) {
     return reportUsageError("search", "the query can't be read: " + error);
   if (!db->ok())
     return reportError(db->errorText());
+  if (output == "summary" || output == "json")
+    addSnippets(*db, query, hits);
   const bool bold = standardOutputIsTerminal();
   PlaceNames places;
   for (const SearchHit &hit : hits) {

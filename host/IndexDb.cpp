@@ -13,7 +13,7 @@ namespace {
 
 // "tkmh": the database is mhhost's. user_version is the schema's version.
 constexpr int64_t kApplicationId = 0x746B6D68;
-constexpr int64_t kSchemaVersion = 2;
+constexpr int64_t kSchemaVersion = 3;
 constexpr int kBusyTimeoutMs = 3000;
 
 // The agents stay when an index of an older schema is rebuilt: `mhhost index` then knows
@@ -32,6 +32,13 @@ CREATE TABLE agents(
 // structure could not be read: its raw body was indexed. `date` stands ahead of the wide
 // columns: a search sorted by date reads it for every match. `hash` is a strong hash of the
 // message's bytes, by which it is known again when it moved. An id is never given twice.
+//
+// The full-text table keeps no copy of the text (the mail is there to read it again): it
+// would more than double the index. Its rows can then only go with the whole table, so the
+// row of a removed object stays, found by no search (every search joins `objects`), until
+// there are enough such rows to make the table anew. The body comes first: each column but
+// the first costs two bytes in every word's entry of every message. Pending words are
+// written out at 16 MB, not 1 MB: fewer, larger segments to merge.
 const char kSchema[] = R"sql(
 CREATE TABLE mailboxes(
   id INTEGER PRIMARY KEY,
@@ -54,16 +61,22 @@ CREATE TABLE objects(
   message_id TEXT NOT NULL,
   in_reply_to TEXT NOT NULL,
   refs TEXT NOT NULL,
-  hash INTEGER NOT NULL
+  hash INTEGER NOT NULL,
+  subject TEXT NOT NULL,
+  sender TEXT NOT NULL
 );
 CREATE INDEX objects_of_mailbox ON objects(mailbox);
-CREATE VIRTUAL TABLE texts USING fts5(subject, "from", "to", cc, body, attachment,
-                                      tokenize = 'unicode61 remove_diacritics 2');
-INSERT INTO texts(texts, rank) VALUES('rank', 'bm25(4.0, 2.0, 1.0, 1.0, 1.0, 1.0)');
-INSERT INTO texts(texts, rank) VALUES('automerge', 16);
 )sql";
 
-// What an index of schema 1 holds besides its agents.
+// The full-text table, made with the schema and again when its stale rows are dropped.
+const char kTextsSchema[] = R"sql(
+CREATE VIRTUAL TABLE %s USING fts5(body, subject, "from", "to", cc, attachment, content = '',
+                                   tokenize = 'unicode61 remove_diacritics 2');
+INSERT INTO %s(%s, rank) VALUES('rank', 'bm25(1.0, 4.0, 2.0, 1.0, 1.0, 1.0)');
+INSERT INTO %s(%s, rank) VALUES('hashsize', 16777216);
+)sql";
+
+// What an index of an older schema holds besides its agents.
 const char kOldTables[] = R"sql(
 DROP TABLE IF EXISTS texts;
 DROP TABLE IF EXISTS objects;
@@ -141,16 +154,17 @@ bool IndexDb::claim(Access access, std::string &error) {
   }
   if (applicationId == kApplicationId) {
     const int64_t version = pragmaValue(*connection_, "PRAGMA user_version");
-    if (version == 1 && access == Access::ReadOnly) {
-      error = "the index " + path_ + " was made by an older mhhost, which did not decode "
-              "mail: run mhhost index to rebuild it";
+    const bool older = version >= 1 && version < kSchemaVersion;
+    if (older && access == Access::ReadOnly) {
+      error = "the index " + path_ + " was made by an older mhhost: run mhhost index to "
+              "rebuild it";
       return false;
     }
-    if (version == 1 && !rebuildOldSchema()) {
+    if (older && !rebuildOldSchema()) {
       error = errorText();
       return false;
     }
-    if (version != 1 && version != kSchemaVersion) {
+    if (!older && version != kSchemaVersion) {
       error = path_ + " is an index of another version of mhhost (schema " +
               std::to_string(version) + ", this one reads " + std::to_string(kSchemaVersion) +
               "); it was left as it is";
@@ -179,9 +193,8 @@ bool IndexDb::claim(Access access, std::string &error) {
 bool IndexDb::createSchema() {
   // The rollback journal, not WAL: a first run writes each new page once, where WAL would
   // write it twice (once to the log, once at the checkpoint).
-  // Pages of 8 KB hold a message's text with fewer overflow pages, and the full-text index
-  // merges its segments 16 at a time instead of 4: a first run of a large store writes a
-  // fifth less. Both take effect only in a database still empty.
+  // Pages of 8 KB hold more of a word's entries per page; it takes effect only in a database
+  // still empty.
   connection_->exec("PRAGMA page_size = 8192");
   if (!begin())
     return false;
@@ -191,6 +204,7 @@ bool IndexDb::createSchema() {
   if (stillEmpty) {
     connection_->exec(kAgentsSchema);
     connection_->exec(kSchema);
+    createTexts("texts");
     connection_->exec("PRAGMA application_id = " + std::to_string(kApplicationId) +
                       "; PRAGMA user_version = " + std::to_string(kSchemaVersion));
   }
@@ -205,7 +219,8 @@ bool IndexDb::rebuildOldSchema() {
   if (!begin())
     return false;
   // Another process may have rebuilt it since the check.
-  if (pragmaValue(*connection_, "PRAGMA user_version") == 1) {
+  const int64_t version = pragmaValue(*connection_, "PRAGMA user_version");
+  if (version >= 1 && version < kSchemaVersion) {
     std::fprintf(stderr, "mhhost: the index %s was made by an older mhhost; it is rebuilt "
                          "now, and every message is read again\n", path_.c_str());
     connection_->exec(kOldTables);
@@ -213,6 +228,7 @@ bool IndexDb::rebuildOldSchema() {
                                   "WHERE name = 'indexed_at'") == 0)
       connection_->exec("ALTER TABLE agents ADD COLUMN indexed_at INTEGER");
     connection_->exec(kSchema);
+    createTexts("texts");
     connection_->exec("PRAGMA user_version = " + std::to_string(kSchemaVersion));
   }
   if (!ok() || !commit()) {
@@ -220,6 +236,12 @@ bool IndexDb::rebuildOldSchema() {
     return false;
   }
   return true;
+}
+
+void IndexDb::createTexts(const char *name) {
+  char sql[sizeof kTextsSchema + 64];
+  std::snprintf(sql, sizeof sql, kTextsSchema, name, name, name, name, name);
+  connection_->exec(sql);
 }
 
 bool IndexDb::begin() {

@@ -13,7 +13,9 @@
 #include "host/reader/MailReader.h"
 
 #include <cstdint>
+#include <functional>
 #include <limits>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -62,6 +64,13 @@ struct SearchHit {
   bool hasDate = false;
   int64_t date = 0; // UTC
   std::string from, subject, snippet;
+  uint64_t hash = 0; // of the message's bytes when it was indexed
+};
+
+// A hit's message as read again, for its snippet.
+struct ShownMessage {
+  int64_t id = 0;
+  const ReadMessage *message = nullptr; // its text as it is searched
 };
 
 struct StoreStatus {
@@ -114,7 +123,21 @@ public:
   // The same bytes found at another place, in the same mailbox or another: the object keeps
   // its id and text, and takes the new place's record.
   void moveObject(int64_t object, int64_t mailbox, const RecordBuffer &record);
+  // The object goes; its row of the full-text table stays, stale, found by no search.
   void removeObject(int64_t object);
+
+  // ---- making the full-text table anew without its stale rows (IndexUpdates.cpp)
+  // Rows of the full-text table whose object is gone.
+  int64_t staleTexts();
+  int64_t objectCount();
+  void beginTextRebuild();
+  // Calls `take` with each object of `agentKey`, in the order of ids.
+  void eachObject(const std::string &agentKey, const std::function<void(const IndexedObject &)> &take);
+  void addRebuiltText(int64_t object, const ReadMessage &message, const std::string &body);
+  // An object whose message can no longer be read: it goes, and its mailbox is read again
+  // by the next run.
+  void forgetObject(int64_t object);
+  void finishTextRebuild();
 
   // ---- searching (IndexQueries.cpp)
   // False with `error` for a query that can't be read, said in the query's words; other
@@ -122,6 +145,10 @@ public:
   bool search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error);
   // The number of hits of `query`, all of them; -1 with `error` as search() gives it.
   int64_t countHits(const SearchQuery &query, std::string &error);
+  // Snippets of the messages that `query`'s words match, by id, with its marks around the
+  // words.
+  std::map<int64_t, std::string> snippets(const SearchQuery &query,
+                                          const std::vector<ShownMessage> &messages);
   bool findObject(int64_t id, IndexedObject &object);
   std::vector<StoreStatus> storeStatus();
   // Whether `id` was ever given to an object (which may be gone since).
@@ -133,6 +160,9 @@ private:
   bool createSchema();
   // An index of schema 1 holds raw bodies: its messages are dropped, its agents kept.
   bool rebuildOldSchema();
+  void createTexts(const char *name);
+  bool insertText(Statement &insert, int64_t object, const ReadMessage &message,
+                  const std::string &body);
   Statement &prepared(std::unique_ptr<Statement> &slot, const char *sql);
   void bindQuery(Statement &select, const SearchQuery &query);
   // True when the last query ran; false with `error` when the person's query was unreadable.

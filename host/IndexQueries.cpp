@@ -91,21 +91,14 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
     if (!queryRead(error))
       return false;
   }
-  // Then each hit of the page with its snippet. Not kept: its marks change from call to call.
-  // Without words to match there is no snippet: the start of the text stands for it.
-  const std::string sql =
-      std::string("SELECT o.id, a.key, m.path, o.offset, o.length, o.time, texts.\"from\", "
-                  "texts.subject, ") +
-      (query.match.empty() ? "substr(texts.body, 1, 100)"
-                           : "snippet(texts, -1, ?1, ?2, '...', 16)") +
-      ", o.date FROM texts JOIN objects o ON o.id = texts.rowid JOIN mailboxes m ON m.id = "
-      "o.mailbox JOIN agents a ON a.id = m.agent WHERE texts.rowid = ?4" +
-      (query.match.empty() ? "" : " AND texts MATCH ?3");
-  Statement select(*connection_, sql.c_str());
+  // Then each hit of the page; its snippet is made from its message, read again.
+  Statement select(*connection_, R"sql(
+    SELECT o.id, a.key, m.path, o.offset, o.length, o.time, o.sender, o.subject, o.date, o.hash
+    FROM objects o JOIN mailboxes m ON m.id = o.mailbox JOIN agents a ON a.id = m.agent
+    WHERE o.id = ?)sql");
   for (const int64_t id : page) {
     select.reset();
-    select.bind(1, query.markStart).bind(2, query.markEnd).bind(3, query.match).bind(4, id);
-    if (!select.step())
+    if (!select.bind(1, id).step())
       continue;
     SearchHit hit;
     hit.id = select.integer(0);
@@ -116,12 +109,38 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
     hit.time = static_cast<int32_t>(select.integer(5));
     hit.from = select.text(6);
     hit.subject = select.text(7);
-    hit.snippet = select.text(8);
-    hit.hasDate = !select.isNull(9);
-    hit.date = select.integer(9);
+    hit.hasDate = !select.isNull(8);
+    hit.date = select.integer(8);
+    hit.hash = static_cast<uint64_t>(select.integer(9));
     hits.push_back(std::move(hit));
   }
   return queryRead(error);
+}
+
+std::map<int64_t, std::string> IndexDb::snippets(const SearchQuery &query,
+                                                 const std::vector<ShownMessage> &messages) {
+  // The full-text table holds no text: the messages go through a table of the same columns
+  // and words in memory, which makes their snippets as a table with text would.
+  std::map<int64_t, std::string> found;
+  if (query.match.empty() || messages.empty())
+    return found;
+  connection_->exec("CREATE VIRTUAL TABLE IF NOT EXISTS temp.shown USING fts5(body, subject, "
+                    "\"from\", \"to\", cc, attachment, tokenize = 'unicode61 "
+                    "remove_diacritics 2'); DELETE FROM temp.shown");
+  Statement insert(*connection_, "INSERT INTO temp.shown(rowid, body, subject, \"from\", "
+                                 "\"to\", cc, attachment) VALUES(?, ?, ?, ?, ?, ?, ?)");
+  for (const ShownMessage &shown : messages) {
+    insert.reset();
+    insertText(insert, shown.id, *shown.message, shown.message->text);
+  }
+  Statement select(*connection_, "SELECT rowid, snippet(shown, -1, ?1, ?2, '...', 16) "
+                                 "FROM temp.shown WHERE shown MATCH ?3");
+  select.bind(1, query.markStart).bind(2, query.markEnd).bind(3, query.match);
+  while (select.step())
+    found[select.integer(0)] = select.text(1);
+  if (!connection_->ok())
+    connection_->clearError(); // no snippet is no reason to fail a search
+  return found;
 }
 
 int64_t IndexDb::countHits(const SearchQuery &query, std::string &error) {

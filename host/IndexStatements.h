@@ -8,6 +8,7 @@ struct IndexDb::Statements {
   std::unique_ptr<Statement> setIndexedAt;
   std::unique_ptr<Statement> mailboxes, insertMailbox, setFileState, deleteMailbox;
   std::unique_ptr<Statement> objects, insertObject, insertText, replaceRecord;
-  std::unique_ptr<Statement> deleteObject, deleteText, moveObject;
+  std::unique_ptr<Statement> deleteObject, moveObject, insertRebuiltText;
+  std::unique_ptr<Statement> forgetObject;
   std::unique_ptr<Statement> findObject;
 };

@@ -104,7 +104,8 @@ int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t 
   Statement &insert = prepared(
       statements_->insertObject,
       "INSERT INTO objects(mailbox, offset, length, checksum, time, stamp, record, date, "
-      "decoded, message_id, in_reply_to, refs, hash) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+      "decoded, message_id, in_reply_to, refs, hash, subject, sender) "
+      "VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
   insert.bind(1, mailbox)
       .bind(2, record->offset)
       .bind(3, record->length)
@@ -119,25 +120,30 @@ int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t 
            .bindStatic(11, message.inReplyTo.data(), message.inReplyTo.size())
            .bindStatic(12, message.references.data(), message.references.size())
            .bind(13, static_cast<int64_t>(hash))
+           .bindStatic(14, message.subject.data(), message.subject.size())
+           .bindStatic(15, message.from.data(), message.from.size())
            .run())
     return 0;
   const int64_t id = sqlite3_last_insert_rowid(connection_->handle());
+  Statement &text = prepared(statements_->insertText,
+                             "INSERT INTO texts(rowid, body, subject, \"from\", \"to\", cc, "
+                             "attachment) VALUES(?, ?, ?, ?, ?, ?, ?)");
+  return insertText(text, id, message, body) ? id : 0;
+}
+
+bool IndexDb::insertText(Statement &insert, int64_t object, const ReadMessage &message,
+                         const std::string &body) {
   std::string attachments;
   for (const MailAttachment &attachment : message.attachments)
     attachments += (attachments.empty() ? "" : "\n") + attachment.name;
-  Statement &text = prepared(statements_->insertText,
-                             "INSERT INTO texts(rowid, subject, \"from\", \"to\", cc, body, "
-                             "attachment) VALUES(?, ?, ?, ?, ?, ?, ?)");
-  if (!text.bind(1, id)
-           .bindStatic(2, message.subject.data(), message.subject.size())
-           .bindStatic(3, message.from.data(), message.from.size())
-           .bindStatic(4, message.to.data(), message.to.size())
-           .bindStatic(5, message.cc.data(), message.cc.size())
-           .bindStatic(6, body.data(), body.size())
-           .bindStatic(7, attachments.data(), attachments.size())
-           .run())
-    return 0;
-  return id;
+  return insert.bind(1, object)
+      .bindStatic(2, body.data(), body.size())
+      .bindStatic(3, message.subject.data(), message.subject.size())
+      .bindStatic(4, message.from.data(), message.from.size())
+      .bindStatic(5, message.to.data(), message.to.size())
+      .bindStatic(6, message.cc.data(), message.cc.size())
+      .bindStatic(7, attachments.data(), attachments.size())
+      .run();
 }
 
 void IndexDb::replaceRecord(int64_t object, const RecordBuffer &record) {
@@ -160,6 +166,59 @@ void IndexDb::moveObject(int64_t object, int64_t mailbox, const RecordBuffer &re
 }
 
 void IndexDb::removeObject(int64_t object) {
-  prepared(statements_->deleteText, "DELETE FROM texts WHERE rowid = ?").bind(1, object).run();
   prepared(statements_->deleteObject, "DELETE FROM objects WHERE id = ?").bind(1, object).run();
+}
+
+int64_t IndexDb::staleTexts() {
+  // One row of texts_docsize per row of the full-text table.
+  Statement select(*connection_, "SELECT (SELECT count(*) FROM texts_docsize) - "
+                                 "(SELECT count(*) FROM objects)");
+  return select.step() ? select.integer(0) : 0;
+}
+
+int64_t IndexDb::objectCount() {
+  Statement select(*connection_, "SELECT count(*) FROM objects");
+  return select.step() ? select.integer(0) : 0;
+}
+
+void IndexDb::beginTextRebuild() {
+  connection_->exec("DROP TABLE IF EXISTS texts_new");
+  createTexts("texts_new");
+}
+
+void IndexDb::eachObject(const std::string &agentKey,
+                         const std::function<void(const IndexedObject &)> &take) {
+  Statement select(*connection_, R"sql(
+    SELECT o.id, o.record FROM objects o JOIN mailboxes m ON m.id = o.mailbox
+      JOIN agents a ON a.id = m.agent WHERE a.key = ? ORDER BY o.id)sql");
+  select.bind(1, agentKey);
+  IndexedObject object;
+  object.agentKey = agentKey;
+  while (select.step()) {
+    object.id = select.integer(0);
+    object.record = select.blob(1);
+    take(object);
+  }
+}
+
+void IndexDb::addRebuiltText(int64_t object, const ReadMessage &message, const std::string &body) {
+  insertText(prepared(statements_->insertRebuiltText,
+                      "INSERT INTO texts_new(rowid, body, subject, \"from\", \"to\", cc, "
+                      "attachment) VALUES(?, ?, ?, ?, ?, ?, ?)"),
+             object, message, body);
+}
+
+void IndexDb::forgetObject(int64_t object) {
+  prepared(statements_->forgetObject, "UPDATE mailboxes SET file_state = 0 WHERE id = "
+                                      "(SELECT mailbox FROM objects WHERE id = ?)")
+      .bind(1, object)
+      .run();
+  removeObject(object);
+}
+
+void IndexDb::finishTextRebuild() {
+  // A table goes only while no statement of the connection is running; and the statements of
+  // the old table go with it.
+  statements_.reset(new Statements);
+  connection_->exec("DROP TABLE texts; ALTER TABLE texts_new RENAME TO texts");
 }

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <memory>
 #include <unordered_map>
 #include <unordered_set>
@@ -237,17 +236,7 @@ private:
       ++work.report.failed;
       return;
     }
-    // The searched text is the message's, with its text attachments', made in place: the
-    // message is read anew for the next object.
-    std::string &text = loaded_.message.text;
-    if (!loaded_.message.attachmentText.empty())
-      text.append("\n").append(loaded_.message.attachmentText);
-    // Zero bytes end a C string: in the stored text they are blanks. Text rarely holds one,
-    // and the library's search passes over the rest far faster than a loop byte by byte.
-    char *const end = &text[0] + text.size();
-    for (char *zero = &text[0];
-         (zero = static_cast<char *>(std::memchr(zero, '\0', static_cast<size_t>(end - zero))));)
-      *zero++ = ' ';
+    const std::string &text = searchedText(loaded_.message);
     const ReadMessage &message = loaded_.message;
     if (db_.addObject(work.id, record, loaded_.agentTime, loaded_.hash, message, text) != 0) {
       ++work.report.added;

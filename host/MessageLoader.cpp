@@ -10,36 +10,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <xxhash.h>
-
-namespace {
-
-// A delimiter line is far shorter; more ahead of a range is not looked at.
-constexpr size_t kLongestDelimiterLine = 1024;
-
-struct FileState {
-  off_t size = 0;
-  struct timespec modified = {}, changed = {};
-  bool operator==(const FileState &other) const {
-    return size == other.size && modified.tv_sec == other.modified.tv_sec &&
-           modified.tv_nsec == other.modified.tv_nsec && changed.tv_sec == other.changed.tv_sec &&
-           changed.tv_nsec == other.changed.tv_nsec;
-  }
-};
-
-bool stateOf(int fd, FileState &state) {
-  struct stat status;
-  if (fstat(fd, &status) != 0)
-    return false;
-  state.size = status.st_size;
-  state.modified = status.st_mtim;
-  state.changed = status.st_ctim;
-  return true;
-}
-
-} // namespace
 
 Framing framingOfKey(const std::string &agentKey) {
   const ClientInfo *const client = clientOfKey(agentKey);
@@ -50,41 +20,9 @@ Framing framingOfKey(const std::string &agentKey) {
   return Framing::Plain;
 }
 
-bool MessageLoader::openFile(const std::string &path) {
-  if (fd_ >= 0 && path == path_)
-    return true;
-  closeFile();
-  fd_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd_ < 0)
-    return false;
-  path_ = path;
-  return true;
-}
-
-void MessageLoader::closeFile() {
-  if (fd_ >= 0)
-    ::close(fd_);
-  fd_ = -1;
-  path_.clear();
-}
-
-bool MessageLoader::readAt(uint64_t offset, size_t size, std::string &bytes) {
-  bytes.resize(size);
-  size_t done = 0;
-  while (done < size) {
-    const ssize_t got = pread(fd_, &bytes[done], size - done, static_cast<off_t>(offset + done));
-    if (got < 0 && errno == EINTR)
-      continue;
-    if (got <= 0)
-      return false; // an error, or the file is shorter now
-    done += static_cast<size_t>(got);
-  }
-  return true;
-}
-
 bool MessageLoader::readFrame(const ObjectRecord *record, size_t bodyLength,
                               std::string &headerBlock, std::string &delimiterLine) {
-  if (bodyLength > record->length || !readAt(record->offset, record->length, range_))
+  if (bodyLength > record->length || !file_.readAt(record->offset, record->length, range_))
     return false;
   headerBlock.assign(range_, 0, record->length - bodyLength);
   delimiterLine.clear();
@@ -103,37 +41,17 @@ bool MessageLoader::readFrame(const ObjectRecord *record, size_t bodyLength,
 
 void MessageLoader::readLineAhead(const ObjectRecord *record, std::string &line) {
   line.clear();
-  if (framing_ != Framing::NetscapeLine || record->offset == 0)
-    return;
-  // The delimiter line ends with the line feed just ahead of the range.
-  const size_t before = std::min<size_t>(record->offset, kLongestDelimiterLine);
-  if (!readAt(record->offset - before, before, line) || line.back() != '\n') {
-    line.clear();
-    return;
-  }
-  line.pop_back();
-  const size_t lineStart = line.rfind('\n');
-  line.erase(0, lineStart == std::string::npos ? 0 : lineStart + 1);
-}
-
-uint64_t MessageLoader::hashWith(const std::string &line) const {
-  const std::unique_ptr<XXH3_state_t, XXH_errorcode (*)(XXH3_state_t *)> state(
-      XXH3_createState(), XXH3_freeState);
-  if (!state)
-    return 0;
-  XXH3_64bits_reset(state.get());
-  XXH3_64bits_update(state.get(), line.data(), line.size());
-  XXH3_64bits_update(state.get(), range_.data(), range_.size());
-  return XXH3_64bits_digest(state.get());
+  if (framing_ == Framing::NetscapeLine)
+    file_.readLineAhead(record->offset, line);
 }
 
 bool MessageLoader::hashOf(const RecordBuffer &record, RangeHash &hash) {
-  if (!openFile(record.path()) || !readAt(record->offset, record->length, range_))
+  if (!file_.open(record.path()) || !file_.readAt(record->offset, record->length, range_))
     return false;
-  hash.bytes = XXH3_64bits(range_.data(), range_.size());
+  hash.bytes = hashOfBytes(std::string(), range_);
   std::string line;
   readLineAhead(record.get(), line);
-  hash.withLine = line.empty() ? hash.bytes : hashWith(line);
+  hash.withLine = line.empty() ? hash.bytes : hashOfBytes(line, range_);
   return true;
 }
 
@@ -141,7 +59,7 @@ bool MessageLoader::load(const RecordBuffer &record, LoadedMessage &loaded) {
   loaded.body.clear();
   openStatus_ = 0;
   FileState before, after;
-  if (!openFile(record.path()) || !stateOf(fd_, before))
+  if (!file_.open(record.path()) || !file_.state(before))
     return false;
   std::string headerBlock, delimiterLine;
   {
@@ -152,15 +70,55 @@ bool MessageLoader::load(const RecordBuffer &record, LoadedMessage &loaded) {
     loaded.agentTime = object.time();
   }
   if (!readFrame(record.get(), loaded.body.size(), headerBlock, delimiterLine) ||
-      !stateOf(fd_, after) || !(before == after))
+      !file_.state(after) || !(before == after))
     return false;
   readMessage(headerBlock, loaded.body, loaded.message);
   ReadMessage &message = loaded.message;
   const bool dateFromLine = !message.hasDate && parseDelimiterDate(delimiterLine, message.date);
   message.hasDate = message.hasDate || dateFromLine;
   // A date taken from Netscape's line ahead of the range makes that line part of the message.
-  loaded.hash = dateFromLine && framing_ == Framing::NetscapeLine
-                    ? hashWith(delimiterLine)
-                    : XXH3_64bits(range_.data(), range_.size());
+  loaded.hash = hashOfBytes(dateFromLine && framing_ == Framing::NetscapeLine ? delimiterLine
+                                                                               : std::string(),
+                            range_);
   return true;
+}
+
+std::string &searchedText(ReadMessage &message) {
+  std::string &text = message.text;
+  if (!message.attachmentText.empty())
+    text.append("\n").append(message.attachmentText);
+  // Zero bytes end a C string: in the stored text they are blanks. Text rarely holds one,
+  // and the library's search passes over the rest far faster than a loop byte by byte.
+  char *const end = &text[0] + text.size();
+  for (char *zero = &text[0];
+       (zero = static_cast<char *>(std::memchr(zero, '\0', static_cast<size_t>(end - zero))));)
+    *zero++ = ' ';
+  return text;
+}
+
+StoredRead readStoredMessage(MailboxFile &file, Framing framing, const StoredPlace &place,
+                             ReadMessage &message) {
+  std::string range, line;
+  if (!file.open(place.path) || !file.readAt(place.offset, place.length, range))
+    return StoredRead::Unreadable;
+  if (framing == Framing::NetscapeLine)
+    file.readLineAhead(place.offset, line);
+  if (hashOfBytes(std::string(), range) != place.hash && hashOfBytes(line, range) != place.hash)
+    return StoredRead::Changed;
+  std::string_view bytes(range);
+  if (framing == Framing::EudoraLine && place.offset > 0)
+    bytes.remove_prefix(std::min(bytes.size(), bytes.find('\n') + 1)); // the delimiter's rest
+  // The header block ends with the first empty line, which it keeps.
+  size_t headerEnd = bytes.size();
+  for (size_t at = bytes.find('\n'); at != std::string_view::npos; at = bytes.find('\n', at + 1)) {
+    const size_t next = at + 1;
+    if (next < bytes.size() && (bytes[next] == '\n' ||
+                                (bytes[next] == '\r' && next + 1 < bytes.size() &&
+                                 bytes[next + 1] == '\n'))) {
+      headerEnd = next + (bytes[next] == '\n' ? 1 : 2);
+      break;
+    }
+  }
+  readMessage(bytes.substr(0, headerEnd), bytes.substr(headerEnd), message);
+  return StoredRead::Read;
 }

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "agent/AgentAbi.h"
+#include "host/MailboxFile.h"
 #include "host/RecordBuffer.h"
 #include "host/reader/MailReader.h"
 
@@ -43,7 +44,6 @@ public:
       : entries_(entries), framing_(framing) {}
   MessageLoader(const MessageLoader &) = delete;
   MessageLoader &operator=(const MessageLoader &) = delete;
-  ~MessageLoader() { closeFile(); }
 
   // False when the object does not open (openStatus() says why), a read fails or the mailbox
   // changed meanwhile.
@@ -55,19 +55,31 @@ public:
   int32_t openStatus() const { return openStatus_; }
 
 private:
-  bool openFile(const std::string &path);
-  void closeFile();
-  bool readAt(uint64_t offset, size_t size, std::string &bytes);
   bool readFrame(const ObjectRecord *record, size_t bodyLength, std::string &headerBlock,
                  std::string &delimiterLine);
   void readLineAhead(const ObjectRecord *record, std::string &line);
-  uint64_t hashWith(const std::string &line) const; // of `line` and then the last range
 
   const AgentEntryTable &entries_;
   const Framing framing_;
   int32_t openStatus_ = 0;
-  // The mailbox last read stays open: a store's messages come mailbox by mailbox.
-  std::string path_;
-  int fd_ = -1;
+  MailboxFile file_;
   std::string range_; // the bytes of the last range read
 };
+
+// The text a message is searched by: its text and its text attachments', in place.
+std::string &searchedText(ReadMessage &message);
+
+// Where an indexed message was, and the hash its bytes had.
+struct StoredPlace {
+  std::string path;
+  uint32_t offset = 0, length = 0;
+  uint64_t hash = 0;
+};
+
+enum class StoredRead { Read, Changed, Unreadable };
+
+// An indexed message read again from its mailbox file, without the agent, as the reader
+// reads it: for a hit's snippet. Changed when the bytes at its place are others now (its
+// mailbox was written since it was indexed).
+StoredRead readStoredMessage(MailboxFile &file, Framing framing, const StoredPlace &place,
+                             ReadMessage &message);

@@ -29,19 +29,27 @@ unsigned long environmentNumber(const char *name, unsigned long fallback) {
   return value != nullptr && *value != '\0' ? std::strtoul(value, nullptr, 10) : fallback;
 }
 
-// What an index holds, one line per row, sorted. Ids are never taken: two indexes of one
-// store give them differently. The second query finds what the join would hide.
+// What an index holds, one line per row, sorted: each object, each word the full-text table
+// holds of it (its column and place), and what no index may hold. Ids are never taken: two
+// indexes of one store give them differently. A removed message's words stay until the table
+// is made anew, but never outnumber both a quarter of the messages and a thousand.
 std::vector<std::string> indexRows(const std::string &database) {
   static const char *const kQueries[] = {
+      "CREATE VIRTUAL TABLE temp.words USING fts5vocab(main, texts, instance)",
       R"sql(SELECT m.path, o.offset, o.length, o.checksum, o.time, o.date, o.decoded,
-                   t.subject, t."from", t."to", t.cc, t.body, t.attachment
-            FROM objects o JOIN mailboxes m ON m.id = o.mailbox JOIN texts t ON t.rowid = o.id)sql",
+                   o.subject, o.sender
+            FROM objects o JOIN mailboxes m ON m.id = o.mailbox)sql",
+      R"sql(SELECT m.path, o.offset, w.term, w.col, w.offset
+            FROM temp.words w JOIN objects o ON o.id = w.doc
+            JOIN mailboxes m ON m.id = o.mailbox)sql",
       R"sql(SELECT 'empty mailbox ' || path FROM mailboxes
               WHERE id NOT IN (SELECT mailbox FROM objects)
             UNION ALL SELECT 'object without text or mailbox at ' || offset FROM objects
-              WHERE id NOT IN (SELECT rowid FROM texts) OR mailbox NOT IN (SELECT id FROM mailboxes)
-            UNION ALL SELECT 'text without object: ' || subject FROM texts
-              WHERE rowid NOT IN (SELECT id FROM objects))sql"};
+              WHERE id NOT IN (SELECT id FROM texts_docsize)
+                 OR mailbox NOT IN (SELECT id FROM mailboxes)
+            UNION ALL SELECT 'stale texts outnumber a quarter of the objects and a thousand'
+              WHERE (SELECT count(*) FROM texts_docsize) - (SELECT count(*) FROM objects)
+                    > max(1000, (SELECT count(*) FROM objects) / 4))sql"};
   std::vector<std::string> rows;
   sqlite3 *opened = nullptr;
   const int status = sqlite3_open_v2(database.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
