@@ -3,6 +3,7 @@
 
 #include "bench/MailCorpus.h"
 #include "bench/MimeCorpus.h"
+#include "bench/RealCorpus.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -106,15 +107,25 @@ StoreFiles writeStore(Client client, const std::string &root, const StoreShape &
   const ClientFormat &format = clientFormat(client);
   MailCorpus corpus(seed, format.eol);
   std::unique_ptr<MimeCorpus> mime;
-  if (shape.mime)
+  if (shape.corpus == Corpus::Mime)
     mime = std::make_unique<MimeCorpus>(corpus, seed);
+  std::unique_ptr<RealCorpus> real;
+  if (shape.corpus == Corpus::Real) {
+    // The same years whatever the count, so that a large store's dates stay plausible.
+    const uint64_t span = RealCorpus::kLastDate - RealCorpus::kFirstDate;
+    real = std::make_unique<RealCorpus>(seed, format.eol, RealCorpus::kFirstDate,
+                                        span / (shape.messageCount ? shape.messageCount : 100000));
+  }
   BenchRandom sizes(seed ^ 0x5A5A5A5A);
   StoreFiles store;
   store.root = root;
   makeDirectories(root);
 
   // Each mailbox takes an equal share of the store, the last one what is left.
-  const unsigned mailboxes = shape.mailboxes ? shape.mailboxes : 1;
+  unsigned mailboxes = shape.mailboxes ? shape.mailboxes : 1;
+  if (shape.messagesPerMailbox && shape.messageCount)
+    mailboxes = static_cast<unsigned>((shape.messageCount + shape.messagesPerMailbox - 1) /
+                                      shape.messagesPerMailbox);
   std::string chunk;
   std::string message;
   for (unsigned box = 0; box < mailboxes; ++box) {
@@ -138,11 +149,15 @@ StoreFiles writeStore(Client client, const std::string &root, const StoreShape &
           break;
       }
       message.clear();
-      const size_t size = sizes.logUniform(shape.minMessage, shape.maxMessage);
-      if (mime)
-        mime->appendMessage(message, size);
-      else
-        corpus.appendMessage(message, size);
+      if (real) {
+        real->appendMessage(message, real->nextSize(shape.minMessage, shape.maxMessage));
+      } else {
+        const size_t size = sizes.logUniform(shape.minMessage, shape.maxMessage);
+        if (mime)
+          mime->appendMessage(message, size);
+        else
+          corpus.appendMessage(message, size);
+      }
       const size_t before = chunk.size();
       appendFramed(client, chunk, message, first);
       first = false;

@@ -26,13 +26,19 @@ std::string mailFilePrologue(Client client);
 // first message of the file, which Pegasus writes without a delimiter.
 void appendFramed(Client client, std::string &file, const std::string &message, bool first);
 
+// What the messages are: everyday mail (MailCorpus), MIME-heavy mail (MimeCorpus), or mail
+// shaped like a person's, in a real vocabulary with threads and lists (RealCorpus).
+enum class Corpus { Everyday, Mime, Real };
+
 struct StoreShape {
   uint64_t targetBytes = 0;  // stop once the mail files hold this much, or
   uint64_t messageCount = 0; // stop after this many messages (whichever is not 0)
-  size_t minMessage = 1024;  // message sizes, spread evenly over the logarithm
-  size_t maxMessage = 1 << 20;
+  size_t minMessage = 1024;  // message sizes, spread evenly over the logarithm (lognormal
+  size_t maxMessage = 1 << 20; // around 4 KB for Corpus::Real), within these bounds
   unsigned mailboxes = 8;
-  bool mime = false; // MIME-heavy messages (MimeCorpus) instead of MailCorpus's
+  unsigned messagesPerMailbox = 0; // when not 0 (and messageCount is given), as many
+                                   // mailboxes of this many messages as the count needs
+  Corpus corpus = Corpus::Everyday;
 };
 
 struct StoreFiles {

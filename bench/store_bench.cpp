@@ -5,6 +5,7 @@
 // Besides stores of plain text mail, a store of MIME-heavy mail (HTML alternatives,
 // attachments, 8-bit charsets, encoded words) measures the host's reading of MIME.
 #include "bench/AgentDriver.h"
+#include "bench/BenchHost.h"
 #include "bench/FileCache.h"
 #include "bench/MappedRead.h"
 #include "bench/ProcessRun.h"
@@ -16,10 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ftw.h>
-#include <limits.h>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -132,22 +130,6 @@ Options parseOptions(int argc, char **argv) {
   return options;
 }
 
-std::string selfPath() {
-  char path[PATH_MAX];
-  const ssize_t n = ::readlink("/proc/self/exe", path, sizeof path - 1);
-  if (n <= 0)
-    return "store_bench";
-  return std::string(path, static_cast<size_t>(n));
-}
-
-std::string directoryOf(const std::string &path) {
-  return path.substr(0, path.rfind('/'));
-}
-
-bool exists(const std::string &path) {
-  return ::access(path.c_str(), X_OK) == 0;
-}
-
 // The child's side: one walk in a fresh process, its totals on standard output; or, with
 // "map", one pass through mappings of the files named.
 int childMain(int argc, char **argv) {
@@ -162,8 +144,8 @@ int childMain(int argc, char **argv) {
   const bool withDigest = argc > 4 && std::strcmp(argv[4], "--digest") == 0;
   WalkTotals totals;
   std::string error;
-  if (!walkStore(directoryOf(selfPath()) + "/tuk_mhmail.so", argv[3], mode, withDigest, totals,
-                 error)) {
+  if (!walkStore(directoryOf(selfPath("store_bench")) + "/tuk_mhmail.so", argv[3], mode,
+                 withDigest, totals, error)) {
     std::fprintf(stderr, "store_bench: %s\n", error.c_str());
     return 1;
   }
@@ -247,7 +229,7 @@ void measure(const Store &store, const Options &options, const std::string &self
       options.mhhost, "--client",     clientFormat(store.client).name,
       "--registry",   store.registry, "--db",
       store.database, "index"};
-  const bool hostBuilt = exists(options.mhhost);
+  const bool hostBuilt = isExecutable(options.mhhost);
 
   std::vector<std::string> mapArgs = {self, "--child", "map"};
   mapArgs.insert(mapArgs.end(), store.files.mailFiles.begin(), store.files.mailFiles.end());
@@ -309,31 +291,13 @@ void measure(const Store &store, const Options &options, const std::string &self
   std::fflush(stdout);
 }
 
-int removeEntry(const char *path, const struct stat *, int, struct FTW *) {
-  return ::remove(path);
-}
-
-std::string loadAverage() {
-  std::FILE *file = std::fopen("/proc/loadavg", "r");
-  char text[128] = "?";
-  if (file) {
-    if (!std::fgets(text, sizeof text, file))
-      text[0] = 0;
-    std::fclose(file);
-  }
-  std::string line = text;
-  while (!line.empty() && line.back() == '\n')
-    line.pop_back();
-  return line;
-}
-
 } // namespace
 
 int main(int argc, char **argv) {
   if (argc > 1 && std::strcmp(argv[1], "--child") == 0)
     return childMain(argc, argv);
   Options options = parseOptions(argc, argv);
-  const std::string self = selfPath();
+  const std::string self = selfPath("store_bench");
   if (options.mhhost.empty())
     options.mhhost = directoryOf(self) + "/mhhost";
 
@@ -391,7 +355,7 @@ int main(int argc, char **argv) {
       mime.minMessage = 1024;
       mime.maxMessage = 16 * 1024;
       mime.mailboxes = 16;
-      mime.mime = true;
+      mime.corpus = Corpus::Mime;
       shapes.push_back({"mime", mime, std::string(format.name) + ", MIME-heavy (about 5 KB)"});
     }
     for (const Shape &shape : shapes) {
@@ -415,11 +379,11 @@ int main(int argc, char **argv) {
       std::printf("\n(written in %.1f s)", written);
       measure(store, options, self);
       if (!options.keep)
-        ::nftw(store.files.root.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
+        removeTree(store.files.root);
     }
   }
   std::printf("\nload average at the end: %s\n", loadAverage().c_str());
   if (madeDir && !options.keep)
-    ::nftw(options.dir.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
+    removeTree(options.dir);
   return 0;
 }
