@@ -3,8 +3,10 @@
 
 #include "host/MessageLoader.h"
 #include "host/StoreWalk.h"
+#include "host/WriteQueue.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <unordered_map>
@@ -66,6 +68,8 @@ int64_t scannedState(const StoreTree &tree, const std::string &path) {
 }
 
 constexpr uint64_t kCommitEvery = 2000; // messages
+// Messages read ahead of the writes: enough to keep both threads busy, a few MB at most.
+constexpr size_t kWritesAhead = 64;
 
 class IndexRun {
 public:
@@ -84,6 +88,7 @@ public:
     for (const std::unique_ptr<MailboxWork> &work : works_)
       loadStored(*work);
     walkStore();
+    writes_.drain();
     if (!db_.ok())
       return;
     dropUnchangedTheWalkLost();
@@ -127,7 +132,7 @@ private:
     int32_t time = -1;
     uint64_t bytesWalked = 0;
     while (const ObjectRecord *record = walk.next(time)) {
-      if (!db_.ok())
+      if (writeFailed_)
         return;
       bytesWalked += record->length;
       progress_.update(bytesWalked, tree_.totalBytes, addedSoFar_, "new");
@@ -166,6 +171,7 @@ private:
     const auto found = workByPath_.find(path);
     if (found != workByPath_.end())
       return found->second;
+    writes_.drain(); // the id is needed now
     const int64_t id = db_.addMailbox(agent_, path);
     if (id == 0)
       return nullptr;
@@ -207,7 +213,8 @@ private:
         hash.matches(work.stored[stored->second].hash)) {
       // The same bytes at the same place: the object stays; its record takes the new stamp.
       work.storedSeen[stored->second] = true;
-      db_.replaceRecord(work.stored[stored->second].id, record);
+      const int64_t id = work.stored[stored->second].id;
+      write([this, id, record] { db_.replaceRecord(id, record); });
       ++work.report.unchanged;
       return;
     }
@@ -224,7 +231,8 @@ private:
       if (from.storedSeen[index] || !hash.matches(from.stored[index].hash))
         continue;
       from.storedSeen[index] = true;
-      db_.moveObject(from.stored[index].id, work.id, record);
+      const int64_t id = from.stored[index].id, mailbox = work.id;
+      write([this, id, mailbox, record] { db_.moveObject(id, mailbox, record); });
       ++work.report.moved;
       return true;
     }
@@ -236,15 +244,31 @@ private:
       ++work.report.failed;
       return;
     }
-    const std::string &text = searchedText(loaded_.message);
-    const ReadMessage &message = loaded_.message;
-    if (db_.addObject(work.id, record, loaded_.agentTime, loaded_.hash, message, text) != 0) {
-      ++work.report.added;
-      work.report.raw += message.decoded ? 0 : 1;
-      ++addedSoFar_;
-      summary_.bytes += record->length;
-    }
-    commitNowAndThen();
+    searchedText(loaded_.message);
+    // Counted when read: a write that fails stops the run, which then reports its error.
+    ++work.report.added;
+    work.report.raw += loaded_.message.decoded ? 0 : 1;
+    ++addedSoFar_;
+    summary_.bytes += record->length;
+    const std::shared_ptr<const LoadedMessage> loaded(new LoadedMessage(std::move(loaded_)));
+    loaded_ = LoadedMessage();
+    const int64_t mailbox = work.id;
+    write([this, mailbox, record, loaded] {
+      db_.addObject(mailbox, record, loaded->agentTime, loaded->hash, loaded->message,
+                    loaded->message.text);
+      commitNowAndThen();
+    });
+  }
+
+  // A write on the queue's thread; the first failure stops the walk.
+  void write(std::function<void()> job) {
+    writes_.post([this, job = std::move(job)] {
+      if (writeFailed_)
+        return;
+      job();
+      if (!db_.ok())
+        writeFailed_ = true;
+    });
   }
 
   // A long run commits what it has about once a second (or each 2,000 messages), so
@@ -304,6 +328,9 @@ private:
   MessageLoader loader_;
   LoadedMessage loaded_;
   uint64_t addedSoFar_ = 0;
+  std::atomic<bool> writeFailed_{false};
+  // Last: its thread ends, with every write done, before the members its jobs use go.
+  WriteQueue writes_{kWritesAhead};
   std::chrono::steady_clock::time_point lastCommit_ = std::chrono::steady_clock::now();
   uint64_t sinceCommit_ = 0;
 };

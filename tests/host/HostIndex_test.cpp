@@ -118,9 +118,10 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
   EXPECT_EQ(inboxFile().substr(mail.size() + 1), hit.strings.at("folder"));
   EXPECT_EQ(11u, hit.strings.size() + hit.numbers.size());
 
-  // A new index is made for a large first run: 8 KB pages, 16 MB of words gathered before
-  // they are written out.
+  // A new index is made for a large first run: 8 KB pages, a write-ahead log, 16 MB of words
+  // gathered before they are written out.
   EXPECT_EQ("8192", queryText(database, "PRAGMA page_size"));
+  EXPECT_EQ("wal", queryText(database, "PRAGMA journal_mode"));
   EXPECT_EQ("16777216", queryText(database, "SELECT v FROM texts_config WHERE k = 'hashsize'"));
 
   // list gives the same records straight from the agent, in its order.
