@@ -67,7 +67,8 @@ int64_t scannedState(const StoreTree &tree, const std::string &path) {
   return found != tree.fileStates.end() ? found->second : fileStateOf(path);
 }
 
-constexpr uint64_t kCommitEvery = 2000; // messages
+constexpr uint64_t kCommitEvery = 25000; // messages
+constexpr auto kCommitInterval = std::chrono::seconds(3);
 // Messages read ahead of the writes: enough to keep both threads busy, a few MB at most.
 constexpr size_t kWritesAhead = 64;
 
@@ -271,13 +272,15 @@ private:
     });
   }
 
-  // A long run commits what it has about once a second (or each 2,000 messages), so
-  // that a search waits for the index at most that long. What a commit leaves is whole for the next run: a mailbox's
-  // file state is written only when it has been read to its end, so a run stopped halfway
-  // reads it again and finds what was committed unchanged.
+  // A long run commits what it has every three seconds (or 25,000 messages): a search, which
+  // never waits for a run, sees its progress, and a run stopped halfway keeps it. Each commit
+  // writes the full-text table's pending words as a segment, to be merged later: commits
+  // much more often make a first run far slower. What a commit leaves is whole for the next
+  // run: a mailbox's file state is written only when it has been read to its end, so a run
+  // stopped halfway reads it again and finds what was committed unchanged.
   void commitNowAndThen() {
     const auto now = std::chrono::steady_clock::now();
-    if (++sinceCommit_ < kCommitEvery && now - lastCommit_ < std::chrono::seconds(1))
+    if (++sinceCommit_ < kCommitEvery && now - lastCommit_ < kCommitInterval)
       return;
     lastCommit_ = now;
     sinceCommit_ = 0;

@@ -39,7 +39,7 @@ struct IndexSummary {
 };
 
 // Updates `agent`'s objects in `db`, inside the caller's transaction, which it commits and
-// begins again about once a second. Database errors stop the run; the caller finds them in
+// begins again every few seconds. Database errors stop the run; the caller finds them in
 // db.ok().
 void updateIndex(const AgentEntryTable &entries, Framing framing, IndexDb &db, int64_t agent,
                  const StoreTree &tree, ProgressBar &progress, IndexSummary &summary);

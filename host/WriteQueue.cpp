@@ -8,37 +8,43 @@ WriteQueue::~WriteQueue() {
     std::lock_guard<std::mutex> lock(mutex_);
     stopping_ = true;
   }
-  changed_.notify_all();
+  jobsCame_.notify_one();
   thread_.join();
 }
 
 void WriteQueue::post(std::function<void()> job) {
   std::unique_lock<std::mutex> lock(mutex_);
-  changed_.wait(lock, [this] { return jobs_.size() < capacity_; });
+  roomOrDone_.wait(lock, [this] { return jobs_.size() < capacity_; });
   jobs_.push_back(std::move(job));
+  const bool wake = sleeping_;
   lock.unlock();
-  changed_.notify_all();
+  if (wake)
+    jobsCame_.notify_one();
 }
 
 void WriteQueue::drain() {
   std::unique_lock<std::mutex> lock(mutex_);
-  changed_.wait(lock, [this] { return jobs_.empty() && !busy_; });
+  roomOrDone_.wait(lock, [this] { return jobs_.empty() && !busy_; });
 }
 
 void WriteQueue::work() {
+  std::deque<std::function<void()>> taken;
   std::unique_lock<std::mutex> lock(mutex_);
   for (;;) {
-    changed_.wait(lock, [this] { return !jobs_.empty() || stopping_; });
+    sleeping_ = true;
+    jobsCame_.wait(lock, [this] { return !jobs_.empty() || stopping_; });
+    sleeping_ = false;
     if (jobs_.empty())
       return; // stopping, and nothing left
-    std::function<void()> job = std::move(jobs_.front());
-    jobs_.pop_front();
+    taken.swap(jobs_);
     busy_ = true;
     lock.unlock();
-    changed_.notify_all(); // room for the next post
-    job();
+    roomOrDone_.notify_all(); // room for the next posts
+    for (std::function<void()> &job : taken)
+      job();
+    taken.clear();
     lock.lock();
     busy_ = false;
-    changed_.notify_all(); // a drain may be waiting
+    roomOrDone_.notify_all(); // a drain may be waiting
   }
 }

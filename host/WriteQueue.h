@@ -32,9 +32,12 @@ private:
 
   const size_t capacity_;
   std::mutex mutex_;
-  std::condition_variable changed_;
+  // The thread takes every waiting job at once and is woken only from sleep: a message's
+  // write must not cost two switches between the threads.
+  std::condition_variable jobsCame_, roomOrDone_;
   std::deque<std::function<void()>> jobs_;
-  bool busy_ = false; // a job is running
+  bool sleeping_ = false; // the thread waits for jobs
+  bool busy_ = false;     // the thread runs jobs it took
   bool stopping_ = false;
   std::thread thread_;
 };
