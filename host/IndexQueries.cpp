@@ -117,32 +117,6 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
   return queryRead(error);
 }
 
-std::map<int64_t, std::string> IndexDb::snippets(const SearchQuery &query,
-                                                 const std::vector<ShownMessage> &messages) {
-  // The full-text table holds no text: the messages go through a table of the same columns
-  // and words in memory, which makes their snippets as a table with text would.
-  std::map<int64_t, std::string> found;
-  if (query.match.empty() || messages.empty())
-    return found;
-  connection_->exec("CREATE VIRTUAL TABLE IF NOT EXISTS temp.shown USING fts5(body, subject, "
-                    "\"from\", \"to\", cc, attachment, tokenize = 'unicode61 "
-                    "remove_diacritics 2'); DELETE FROM temp.shown");
-  Statement insert(*connection_, "INSERT INTO temp.shown(rowid, body, subject, \"from\", "
-                                 "\"to\", cc, attachment) VALUES(?, ?, ?, ?, ?, ?, ?)");
-  for (const ShownMessage &shown : messages) {
-    insert.reset();
-    insertText(insert, shown.id, *shown.message, shown.message->text);
-  }
-  Statement select(*connection_, "SELECT rowid, snippet(shown, -1, ?1, ?2, '...', 16) "
-                                 "FROM temp.shown WHERE shown MATCH ?3");
-  select.bind(1, query.markStart).bind(2, query.markEnd).bind(3, query.match);
-  while (select.step())
-    found[select.integer(0)] = select.text(1);
-  if (!connection_->ok())
-    connection_->clearError(); // no snippet is no reason to fail a search
-  return found;
-}
-
 int64_t IndexDb::countHits(const SearchQuery &query, std::string &error) {
   const std::string sql = "SELECT count(*)" + matching(query);
   Statement select(*connection_, sql.c_str());

@@ -2,6 +2,7 @@
 #include "host/IndexDb.h"
 
 #include "host/IndexStatements.h"
+#include "host/MessageLoader.h"
 
 std::vector<std::string> IndexDb::agentKeys() {
   Statement &select = prepared(statements_->agentKeys, "SELECT key FROM agents ORDER BY id");
@@ -133,9 +134,7 @@ int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t 
 
 bool IndexDb::insertText(Statement &insert, int64_t object, const ReadMessage &message,
                          const std::string &body) {
-  std::string attachments;
-  for (const MailAttachment &attachment : message.attachments)
-    attachments += (attachments.empty() ? "" : "\n") + attachment.name;
+  const std::string attachments = attachmentNames(message);
   return insert.bind(1, object)
       .bindStatic(2, body.data(), body.size())
       .bindStatic(3, message.subject.data(), message.subject.size())

@@ -96,6 +96,13 @@ std::string &searchedText(ReadMessage &message) {
   return text;
 }
 
+std::string attachmentNames(const ReadMessage &message) {
+  std::string names;
+  for (const MailAttachment &attachment : message.attachments)
+    names += (names.empty() ? "" : "\n") + attachment.name;
+  return names;
+}
+
 StoredRead readStoredMessage(MailboxFile &file, Framing framing, const StoredPlace &place,
                              ReadMessage &message) {
   std::string range, line;

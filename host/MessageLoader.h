@@ -68,6 +68,8 @@ private:
 
 // The text a message is searched by: its text and its text attachments', in place.
 std::string &searchedText(ReadMessage &message);
+// Its attachments' names, one a line: searched as `attachment`.
+std::string attachmentNames(const ReadMessage &message);
 
 // Where an indexed message was, and the hash its bytes had.
 struct StoredPlace {
