@@ -11,14 +11,12 @@
 
 namespace {
 
-const char *const kCommon[] = {"report",  "meeting", "review", "numbers", "quarter", "budget",
-                               "project", "draft",   "invoice", "customer", "server",  "release",
-                               "problem", "schedule", "notes",  "office"};
+// YEAR, SENDER, FOLDER and CLIENT stand for the store's; each %s for one of its words.
 const char *const kForms[] = {
     "%s",           "%s %s",           "\"%s %s\"",       "%s OR %s",
     "%s -%s",       "NOT %s %s",       "(%s OR %s) %s",   "%s*",
-    "subject:%s",   "from:example.org %s", "body:%s %s",  "%s date:1996",
-    "%s date:1996-03..1997-06", "%s date:..1996", "%s folder:Archive", "%s client:CLIENT",
+    "subject:%s",   "from:SENDER %s",  "body:%s %s",      "%s date:YEAR",
+    "%s date:YEAR-03..YEAR-09", "%s date:..YEAR", "%s folder:FOLDER", "%s client:CLIENT",
     "id:42",        "%s attachment:pdf", "2.5%% %s",     "%s and not %s",
 };
 
@@ -28,21 +26,37 @@ std::string format(const char *form, const char *a, const char *b, const char *c
   return text;
 }
 
+void replaceAll(std::string &text, const std::string &from, const std::string &to) {
+  for (size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size())
+    text.replace(at, from.size(), to);
+}
+
 } // namespace
 
+QueryWords everydayQueryWords() {
+  return QueryWords{{"report", "meeting", "review", "numbers", "quarter", "budget", "project",
+                     "draft", "invoice", "customer", "server", "release", "problem",
+                     "schedule", "notes", "office"},
+                    "1996",
+                    "example.org",
+                    "Archive"};
+}
+
 void measureQueries(const std::string &mhhost, const std::string &registry,
-                    const std::string &database, const std::string &client) {
+                    const std::string &database, const std::string &client,
+                    const QueryWords &words) {
   BenchRandom random(1998);
   std::vector<double> milliseconds;
-  constexpr unsigned kCommonCount = sizeof kCommon / sizeof kCommon[0];
+  const auto word = [&] {
+    return words.words[random.below(static_cast<uint32_t>(words.words.size()))].c_str();
+  };
   for (int i = 0; i < 200; ++i) {
     const char *form = kForms[i % (sizeof kForms / sizeof kForms[0])];
-    std::string query = format(form, kCommon[random.below(kCommonCount)],
-                               kCommon[random.below(kCommonCount)],
-                               kCommon[random.below(kCommonCount)]);
-    const size_t at = query.find("CLIENT");
-    if (at != std::string::npos)
-      query.replace(at, 6, client);
+    std::string query = format(form, word(), word(), word());
+    replaceAll(query, "YEAR", words.year);
+    replaceAll(query, "SENDER", words.senderWord);
+    replaceAll(query, "FOLDER", words.folder);
+    replaceAll(query, "CLIENT", client);
     std::vector<std::string> argv = {mhhost, "--registry", registry, "--db", database,
                                      "search", query};
     // Every fifth sorts by relevance, every seventh only counts.

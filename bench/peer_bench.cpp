@@ -7,7 +7,9 @@
 #include "bench/BenchHost.h"
 #include "bench/FileCache.h"
 #include "bench/ProcessRun.h"
+#include "bench/QueryTimes.h"
 #include "bench/RealCorpus.h"
+#include "bench/RealVocabulary.h"
 #include "bench/StoreWriter.h"
 #include "cmn/Registry.h"
 
@@ -411,6 +413,15 @@ void measureGrowth(PeerStore &store, const std::vector<Tool *> &tools, const std
   std::fflush(stdout);
 }
 
+// Words as people search for them: neither the commonest nor the rarest, ranks 30 to 4,000
+// spread evenly over the logarithm.
+QueryWords realQueryWords() {
+  QueryWords words{{}, "2010", "martin", "Archive"};
+  for (double rank = 30; rank < 4000; rank *= 1.38)
+    words.words.push_back(RealVocabulary::shared().word(static_cast<size_t>(rank)));
+  return words;
+}
+
 void measure(PeerStore &store, const std::vector<Tool *> &tools, const Options &options,
              const std::string &self, bool grow) {
   std::printf("words searched:");
@@ -423,6 +434,10 @@ void measure(PeerStore &store, const std::vector<Tool *> &tools, const Options &
       runRound(*tools[round % 2 ? tools.size() - 1 - i : i], store, round == 0);
   }
   printSummary(tools, store);
+  for (const Tool *tool : tools)
+    if (tool->name == "mhhost" && grow)
+      measureQueries(options.mhhost, store.registry, tool->database, clientFormat(kClient).name,
+                     realQueryWords());
   if (grow)
     measureGrowth(store, tools, self);
 }

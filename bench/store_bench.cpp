@@ -276,7 +276,7 @@ void measure(const Store &store, const Options &options, const std::string &self
     printRow(host, store, cat);
     printRow(again, store, cat);
     measureQueries(options.mhhost, store.registry, store.database,
-                   clientFormat(store.client).name);
+                   clientFormat(store.client).name, everydayQueryWords());
   } else {
     std::printf("  mhhost: not built\n");
   }
