@@ -34,6 +34,8 @@ CREATE TABLE agents(
 // columns, and objects_dates holds it beside the id: a search sorted by date reads it for
 // every match. `hash` is a strong hash of the
 // message's bytes, by which it is known again when it moved. An id is never given twice.
+// objects_of_mailbox gives each mailbox's latest record at once: a run with nothing changed
+// reads one record per mailbox, not a row per message.
 //
 // The full-text table keeps no copy of the text (the mail is there to read it again): it
 // would more than double the index. Its rows can then only go with the whole table, so the
@@ -68,7 +70,7 @@ CREATE TABLE objects(
   subject TEXT NOT NULL,
   sender TEXT NOT NULL
 );
-CREATE INDEX objects_of_mailbox ON objects(mailbox);
+CREATE INDEX objects_of_mailbox ON objects(mailbox, stamp);
 CREATE INDEX objects_dates ON objects(id, date);
 )sql";
 
