@@ -34,6 +34,10 @@ CREATE TABLE agents(
 // columns, and objects_dates holds it beside the id: a search sorted by date reads it for
 // every match. `hash` is a strong hash of the
 // message's bytes, by which it is known again when it moved. An id is never given twice.
+// id_runs holds, for each run of 1,024 ids, the newest date of its messages (an upper bound:
+// it is not lowered when one goes). A client's mail comes mostly in the order of its dates,
+// so the runs of the latest mail hold the newest hits of most searches, and a search newest
+// first reads those runs, not every match.
 // objects_of_mailbox gives each mailbox's latest record at once: a run with nothing changed
 // reads one record per mailbox, not a row per message.
 //
@@ -72,6 +76,7 @@ CREATE TABLE objects(
 );
 CREATE INDEX objects_of_mailbox ON objects(mailbox, stamp);
 CREATE INDEX objects_dates ON objects(id, date);
+CREATE TABLE id_runs(run INTEGER PRIMARY KEY, newest INTEGER NOT NULL);
 )sql";
 
 // The full-text table, made with the schema and again when its stale rows are dropped.
@@ -86,6 +91,7 @@ INSERT INTO %s(%s, rank) VALUES('automerge', 16);
 // What an index of an older schema holds besides its agents.
 const char kOldTables[] = R"sql(
 DROP TABLE IF EXISTS texts;
+DROP TABLE IF EXISTS id_runs;
 DROP TABLE IF EXISTS objects;
 DROP TABLE IF EXISTS mailboxes;
 UPDATE agents SET tree_state = 0;

@@ -157,6 +157,8 @@ private:
                   const std::string &body);
   Statement &prepared(std::unique_ptr<Statement> &slot, const char *sql);
   void bindQuery(Statement &select, const SearchQuery &query);
+  // The ids of a page of hits newest first, without visiting every match (id_runs).
+  std::vector<int64_t> newestPage(const SearchQuery &query);
   // True when the last query ran; false with `error` when the person's query was unreadable.
   bool queryRead(std::string &error);
 
@@ -164,4 +166,10 @@ private:
   std::string path_;
   struct Statements;
   std::unique_ptr<Statements> statements_;
+
+public:
+  // Ids come in runs of 1,024: id_runs holds the newest date of each run's messages.
+  static constexpr int kIdRunBits = 10;
+  // Where a message without a date stands among dates: after every other, newest first.
+  static constexpr int64_t kNoDate = std::numeric_limits<int64_t>::min();
 };

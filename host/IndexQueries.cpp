@@ -3,6 +3,8 @@
 
 #include "host/IndexStatements.h"
 
+#include <algorithm>
+
 namespace {
 
 // FROM and WHERE of a search: the words through the full-text table where there are any,
@@ -47,6 +49,8 @@ const char *orderOf(const SearchQuery &query) {
 
 } // namespace
 
+const int64_t IndexDb::kNoDate;
+
 void IndexDb::bindQuery(Statement &select, const SearchQuery &query) {
   select.bind(1, query.markStart)
       .bind(2, query.markEnd)
@@ -76,12 +80,53 @@ bool IndexDb::queryRead(std::string &error) {
   return true;
 }
 
+std::vector<int64_t> IndexDb::newestPage(const SearchQuery &query) {
+  // The runs of ids, newest first by the newest date each holds: those of the latest mail
+  // come first, and once the page's last hit is newer than all a run holds, no later run can
+  // change the page.
+  std::vector<std::pair<int64_t, int64_t>> runs; // run, its newest date
+  {
+    Statement select(*connection_, "SELECT run, newest FROM id_runs WHERE newest >= ? "
+                                   "ORDER BY newest DESC, run DESC");
+    select.bind(1, query.dated ? query.since : kNoDate);
+    while (select.step())
+      runs.emplace_back(select.integer(0), select.integer(1));
+  }
+  const std::string sql = "SELECT o.id, coalesce(o.date, " + std::to_string(kNoDate) + ")" +
+                          matching(query) + " AND texts.rowid BETWEEN ?1 AND ?2";
+  Statement select(*connection_, sql.c_str());
+  const size_t wanted = static_cast<size_t>(query.offset + query.limit);
+  std::vector<std::pair<int64_t, int64_t>> found; // date, id
+  const auto newer = [](const std::pair<int64_t, int64_t> &a,
+                        const std::pair<int64_t, int64_t> &b) { return a > b; };
+  for (const auto &[run, newest] : runs) {
+    if (found.size() >= wanted && found[wanted - 1].first > newest)
+      break;
+    select.reset();
+    bindQuery(select, query);
+    select.bind(1, run << kIdRunBits).bind(2, ((run + 1) << kIdRunBits) - 1);
+    while (select.step())
+      found.emplace_back(select.integer(1), select.integer(0));
+    std::sort(found.begin(), found.end(), newer);
+    if (found.size() > wanted)
+      found.resize(wanted);
+  }
+  std::vector<int64_t> page;
+  for (size_t i = static_cast<size_t>(query.offset); i < found.size(); ++i)
+    page.push_back(found[i].second);
+  return page;
+}
+
 bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error) {
   hits.clear();
   // First the page of ids, in order: a sort by date visits every match, and must not take a
   // snippet, which reads a message's whole text, of each.
   std::vector<int64_t> page;
-  {
+  if (!query.match.empty() && query.order == SearchQuery::Order::Newest) {
+    page = newestPage(query);
+    if (!queryRead(error))
+      return false;
+  } else {
     const std::string sql =
         "SELECT o.id" + matching(query) + orderOf(query) + " LIMIT ?7 OFFSET ?9";
     Statement select(*connection_, sql.c_str());

@@ -9,6 +9,6 @@ struct IndexDb::Statements {
   std::unique_ptr<Statement> mailboxes, insertMailbox, setFileState, deleteMailbox;
   std::unique_ptr<Statement> objects, insertObject, insertText, replaceRecord;
   std::unique_ptr<Statement> deleteObject, moveObject, insertRebuiltText;
-  std::unique_ptr<Statement> forgetObject;
+  std::unique_ptr<Statement> forgetObject, widenRun;
   std::unique_ptr<Statement> findObject;
 };

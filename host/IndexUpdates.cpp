@@ -126,6 +126,12 @@ int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t 
            .run())
     return 0;
   const int64_t id = sqlite3_last_insert_rowid(connection_->handle());
+  prepared(statements_->widenRun,
+           "INSERT INTO id_runs(run, newest) VALUES(?, ?) "
+           "ON CONFLICT(run) DO UPDATE SET newest = max(newest, excluded.newest)")
+      .bind(1, id >> kIdRunBits)
+      .bind(2, message.hasDate ? message.date : kNoDate)
+      .run();
   Statement &text = prepared(statements_->insertText,
                              "INSERT INTO texts(rowid, body, subject, \"from\", \"to\", cc, "
                              "attachment) VALUES(?, ?, ?, ?, ?, ?, ?)");

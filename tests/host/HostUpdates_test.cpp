@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -113,6 +114,40 @@ TEST_F(HostIdsTest, ManyRemovedMessagesMakeTheFullTextIndexAnew) {
   EXPECT_EQ(plants, idOf("fern"));
   EXPECT_EQ(0u, searchJson("gone").size());
   EXPECT_EQ("2\n", host({"search", "--count", "cat OR fern"}).out);
+}
+
+// A search newest first reads the runs of ids that hold the newest mail first and stops once
+// no other run can change its page: whatever order the dates come in, the page is the one a
+// sort of every hit gives.
+TEST_F(HostIdsTest, NewestFirstHoldsWhateverOrderTheDatesComeIn) {
+  std::vector<TestMessage> many(3000, kPets);
+  uint64_t state = 7;
+  for (size_t i = 0; i < many.size(); ++i) {
+    state = state * 6364136223846793005ull + 1442695040888963407ull;
+    const unsigned day = 1 + (state >> 33) % 28, minute = (state >> 40) % 1440,
+                   year = (i < 1500 ? 2001 : 1995) + (state >> 50) % 3;
+    char date[64];
+    std::snprintf(date, sizeof date, "%u Feb %u %02u:%02u:00 +0000", day, year, minute / 60,
+                  minute % 60);
+    many[i].date = date;
+  }
+  many[2900].date = "1 Mar 2010 00:00:00 +0000"; // the newest, among the oldest
+  writeMailbox("eudora", dir.file("mail/Many"), many);
+  ASSERT_EQ(0, index().status);
+  const auto ids = [this](const std::string &order, const std::string &offset) {
+    return linesOf(host({"--client", "eudora", "search", "cat", "--sort", order, "--limit",
+                         "4000", "--offset", offset, "--output", "ids"})
+                       .out);
+  };
+  const std::vector<std::string> newest = ids("newest", "0"), oldest = ids("oldest", "0");
+  ASSERT_EQ(3001u, newest.size());
+  EXPECT_EQ(idOf("cat date:2010"), std::stoll(newest.front()));
+  EXPECT_TRUE(std::equal(newest.begin(), newest.end(), oldest.rbegin()));
+  EXPECT_EQ(std::vector<std::string>(newest.begin() + 1234, newest.end()), ids("newest", "1234"));
+  EXPECT_EQ(std::vector<std::string>(newest.begin() + 5, newest.begin() + 25),
+            linesOf(host({"--client", "eudora", "search", "cat", "--offset", "5", "--output",
+                          "ids"})
+                        .out));
 }
 
 } // namespace
