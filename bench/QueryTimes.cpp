@@ -47,6 +47,7 @@ void measureQueries(const std::string &mhhost, const std::string &registry,
                     const QueryWords &words) {
   BenchRandom random(1998);
   std::vector<double> milliseconds;
+  std::vector<std::pair<double, std::string>> slowest; // the time and the command's query
   const auto word = [&] {
     return words.words[random.below(static_cast<uint32_t>(words.words.size()))].c_str();
   };
@@ -64,9 +65,14 @@ void measureQueries(const std::string &mhhost, const std::string &registry,
       argv.insert(argv.end(), {"--sort", "relevance"});
     if (i % 7 == 6)
       argv.push_back("--count");
-    const ProcessRun run = runProcess(argv, {}, false);
-    if (run.started && (run.exitStatus == 0 || run.exitStatus == 1))
-      milliseconds.push_back(run.seconds * 1000);
+    const ProcessRun run = runProcess(argv, {}, true);
+    if (!run.started || (run.exitStatus != 0 && run.exitStatus != 1))
+      continue;
+    milliseconds.push_back(run.seconds * 1000);
+    std::string shown = query;
+    for (size_t a = 7; a < argv.size(); ++a)
+      shown += " " + argv[a];
+    slowest.emplace_back(run.seconds * 1000, shown);
   }
   if (milliseconds.empty()) {
     std::printf("  mhhost search: no query ran\n");
@@ -80,4 +86,7 @@ void measureQueries(const std::string &mhhost, const std::string &registry,
   std::printf("  mhhost search, %zu queries of every form (a process each): p50 %.1f ms, "
               "p99 %.1f ms, slowest %.1f ms\n",
               milliseconds.size(), at(0.50), at(0.99), milliseconds.back());
+  std::sort(slowest.rbegin(), slowest.rend());
+  for (size_t i = 0; i < std::min<size_t>(5, slowest.size()); ++i)
+    std::printf("    %6.1f ms  %s\n", slowest[i].first, slowest[i].second.c_str());
 }

@@ -83,7 +83,6 @@ CREATE TABLE id_runs(run INTEGER PRIMARY KEY, newest INTEGER NOT NULL);
 const char kTextsSchema[] = R"sql(
 CREATE VIRTUAL TABLE %s USING fts5(body, subject, "from", "to", cc, attachment, content = '',
                                    tokenize = 'unicode61 remove_diacritics 2');
-INSERT INTO %s(%s, rank) VALUES('rank', 'bm25(1.0, 4.0, 2.0, 1.0, 1.0, 1.0)');
 INSERT INTO %s(%s, rank) VALUES('hashsize', 16777216);
 INSERT INTO %s(%s, rank) VALUES('automerge', 16);
 )sql";
@@ -260,7 +259,7 @@ bool IndexDb::rebuildOldSchema() {
 
 void IndexDb::createTexts(const char *name) {
   char sql[sizeof kTextsSchema + 64];
-  std::snprintf(sql, sizeof sql, kTextsSchema, name, name, name, name, name, name, name);
+  std::snprintf(sql, sizeof sql, kTextsSchema, name, name, name, name, name);
   connection_->exec(sql);
 }
 

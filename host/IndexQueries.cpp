@@ -40,7 +40,9 @@ const char *orderOf(const SearchQuery &query) {
   case SearchQuery::Order::Oldest:
     return " ORDER BY o.date IS NULL, o.date, o.id";
   case SearchQuery::Order::Relevance:
-    return " ORDER BY rank";
+    // The weights written out: through the table's configured rank, the same bm25 takes
+    // half as long again.
+    return " ORDER BY bm25(texts, 1.0, 4.0, 2.0, 1.0, 1.0, 1.0)";
   case SearchQuery::Order::Newest:
     break;
   }
