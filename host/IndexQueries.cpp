@@ -101,12 +101,21 @@ std::vector<int64_t> IndexDb::newestPage(const SearchQuery &query) {
   std::vector<std::pair<int64_t, int64_t>> found; // date, id
   const auto newer = [](const std::pair<int64_t, int64_t> &a,
                         const std::pair<int64_t, int64_t> &b) { return a > b; };
-  for (const auto &[run, newest] : runs) {
-    if (found.size() >= wanted && found[wanted - 1].first > newest)
+  // Each query takes twice as many runs as the last, as far as they adjoin: a common word
+  // fills its page from one run, a rare one is found in a dozen queries, not one per run.
+  size_t budget = 1;
+  for (size_t next = 0; next < runs.size(); budget *= 2) {
+    if (found.size() >= wanted && found[wanted - 1].first > runs[next].second)
       break;
+    const int64_t last = runs[next].first;
+    int64_t first = last;
+    for (++next; next < runs.size() && static_cast<size_t>(last - first + 1) < budget &&
+                 runs[next].first == first - 1;
+         ++next)
+      first = runs[next].first;
     select.reset();
     bindQuery(select, query);
-    select.bind(1, run << kIdRunBits).bind(2, ((run + 1) << kIdRunBits) - 1);
+    select.bind(1, first << kIdRunBits).bind(2, ((last + 1) << kIdRunBits) - 1);
     while (select.step())
       found.emplace_back(select.integer(1), select.integer(0));
     std::sort(found.begin(), found.end(), newer);
