@@ -44,10 +44,9 @@ void IndexDb::setIndexedAt(int64_t agent, int64_t seconds) {
 
 std::vector<StoredMailbox> IndexDb::mailboxes(int64_t agent) {
   Statement &select = prepared(statements_->mailboxes, R"sql(
-    SELECT m.id, m.path, m.file_state, count(o.id),
+    SELECT m.id, m.path, m.file_state, (SELECT count(*) FROM objects WHERE mailbox = m.id),
            (SELECT record FROM objects WHERE mailbox = m.id ORDER BY stamp DESC LIMIT 1)
-    FROM mailboxes m LEFT JOIN objects o ON o.mailbox = m.id
-    WHERE m.agent = ? GROUP BY m.id ORDER BY m.id)sql");
+    FROM mailboxes m WHERE m.agent = ? ORDER BY m.id)sql");
   std::vector<StoredMailbox> found;
   select.bind(1, agent);
   while (select.step()) {
