@@ -13,6 +13,7 @@
 #include <chrono>
 #include <ctime>
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace {
 
@@ -106,25 +107,17 @@ int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &set
   return kExitOk;
 }
 
-} // namespace
-
-int runIndex(const CommandLine &line, const HostSettings &settings) {
-  std::string error;
-  const std::unique_ptr<IndexDb> db =
-      IndexDb::open(settings.databasePath, IndexDb::Access::ReadWrite, error);
-  if (!db)
-    return reportError(error);
-  IndexRunLock runLock;
-  if (!runLock.acquire(settings.databasePath, error))
-    return reportError(error);
+// Updates every store the command line names, or every store the index holds and config set
+// up; then, when stale rows call for it, makes the full-text table anew.
+int indexStores(const CommandLine &line, const HostSettings &settings, IndexDb &db) {
   std::vector<std::string> keys;
   if (!settings.agentKey.empty()) {
     keys.push_back(settings.agentKey);
   } else {
     // Every store in the index, and every store config set up, indexed before or not.
-    keys = db->agentKeys();
-    if (!db->ok())
-      return reportError(db->errorText());
+    keys = db.agentKeys();
+    if (!db.ok())
+      return reportError(db.errorText());
     for (const std::string &key : configuredStores())
       if (std::find(keys.begin(), keys.end(), key) == keys.end())
         keys.push_back(key);
@@ -134,17 +127,63 @@ int runIndex(const CommandLine &line, const HostSettings &settings) {
   }
   int status = kExitOk;
   for (const std::string &key : keys) {
-    const int result = indexStore(*db, key, settings, line.has("stats"), keys.size() > 1);
+    const int result = indexStore(db, key, settings, line.has("stats"), keys.size() > 1);
     if (result != kExitOk)
       status = result;
   }
   // Only a run that read every store the index holds may read them all again.
-  const std::vector<std::string> held = db->agentKeys();
+  const std::vector<std::string> held = db.agentKeys();
   const bool everyStore = std::all_of(held.begin(), held.end(), [&keys](const std::string &key) {
     return std::find(keys.begin(), keys.end(), key) != keys.end();
   });
-  if (status == kExitOk && everyStore && textsWantRebuild(*db) &&
-      !rebuildTexts(*db, settings, error))
+  std::string error;
+  if (status == kExitOk && everyStore && textsWantRebuild(db) &&
+      !rebuildTexts(db, settings, error))
     return reportError(error + "; the full-text index stays as it was");
+  return status;
+}
+
+// The index to update: the one there is, or, when there is none, a new one made beside where
+// it goes (IndexDb::Access::Build). Null after the error has been reported.
+std::unique_ptr<IndexDb> openForRun(const std::string &path, IndexRunLock &runLock, bool &fresh,
+                                    std::string &error) {
+  struct stat status;
+  fresh = false;
+  if (stat(path.c_str(), &status) == 0) {
+    // Ours is checked before a lock file is made beside it.
+    std::unique_ptr<IndexDb> db = IndexDb::open(path, IndexDb::Access::ReadWrite, error);
+    return db && runLock.acquire(path, error) ? std::move(db) : nullptr;
+  }
+  if (!IndexDb::makeFolderOf(path, error) || !runLock.acquire(path, error))
+    return nullptr;
+  // Another run may have put one in place while this one waited for the lock.
+  if (stat(path.c_str(), &status) == 0)
+    return IndexDb::open(path, IndexDb::Access::ReadWrite, error);
+  fresh = true;
+  IndexDb::discardBuild(path); // what a stopped run left
+  return IndexDb::open(IndexDb::buildingPath(path), IndexDb::Access::Build, error);
+}
+
+} // namespace
+
+int runIndex(const CommandLine &line, const HostSettings &settings) {
+  std::string error;
+  IndexRunLock runLock;
+  bool fresh = false;
+  std::unique_ptr<IndexDb> db = openForRun(settings.databasePath, runLock, fresh, error);
+  if (!db)
+    return reportError(error);
+  const int status = indexStores(line, settings, *db);
+  if (!fresh)
+    return status;
+  // A new index goes in place once whole: after a database error it is dropped.
+  const bool whole = db->ok() && db->endBuild();
+  db.reset();
+  if (!whole) {
+    IndexDb::discardBuild(settings.databasePath);
+    return status;
+  }
+  if (!IndexDb::publish(settings.databasePath, error))
+    return reportError(error);
   return status;
 }

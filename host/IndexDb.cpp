@@ -7,7 +7,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -123,11 +125,45 @@ IndexDb::~IndexDb() {
   statements_.reset();
 }
 
+std::string IndexDb::buildingPath(const std::string &path) {
+  return path + ".new";
+}
+
+bool IndexDb::makeFolderOf(const std::string &path, std::string &error) {
+  return makeParentFolders(path, error);
+}
+
+bool IndexDb::publish(const std::string &path, std::string &error) {
+  const std::string built = buildingPath(path);
+  const int fd = ::open(built.c_str(), O_RDONLY | O_CLOEXEC);
+  const bool synced = fd >= 0 && fsync(fd) == 0;
+  if (fd >= 0)
+    ::close(fd);
+  if (!synced || std::rename(built.c_str(), path.c_str()) != 0) {
+    error = "cannot put the new index " + built + " in place: " + std::strerror(errno);
+    return false;
+  }
+  return true;
+}
+
+bool IndexDb::endBuild() {
+  // The mode changes only while no statement of the connection is running.
+  statements_.reset(new Statements);
+  return connection_->exec("PRAGMA journal_mode = WAL");
+}
+
+void IndexDb::discardBuild(const std::string &path) {
+  std::remove(buildingPath(path).c_str());
+}
+
 std::unique_ptr<IndexDb> IndexDb::open(const std::string &path, Access access, std::string &error) {
   struct stat status;
   const bool exists = stat(path.c_str(), &status) == 0;
   if (access == Access::ReadOnly && !exists) {
-    error = "there is no index at " + path + " yet: run mhhost index first";
+    error = stat(buildingPath(path).c_str(), &status) == 0
+                ? "the index at " + path + " is not made yet: an mhhost index run is making "
+                  "it, or was stopped (run mhhost index)"
+                : "there is no index at " + path + " yet: run mhhost index first";
     return nullptr;
   }
   if (exists && !S_ISREG(status.st_mode)) {
@@ -136,6 +172,10 @@ std::unique_ptr<IndexDb> IndexDb::open(const std::string &path, Access access, s
   }
   if (!exists && !makeParentFolders(path, error))
     return nullptr;
+  if (access == Access::Build && exists) {
+    error = "cannot make a new index: " + path + " is there already";
+    return nullptr;
+  }
   const int flags = access == Access::ReadOnly ? SQLITE_OPEN_READONLY
                                                : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   int openStatus = SQLITE_OK;
@@ -197,6 +237,14 @@ bool IndexDb::claim(Access access, std::string &error) {
       !connection_->exec("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
                          "PRAGMA wal_autocheckpoint = 4096; PRAGMA cache_size = -65536;"
                          "PRAGMA temp_store = MEMORY;")) {
+    error = errorText();
+    return false;
+  }
+  // A new index is a file of its own until it is whole (buildingPath): nothing to roll back
+  // or keep safe from a power cut, so every page is written once, without a log or a sync.
+  if (access == Access::Build &&
+      !connection_->exec("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;"
+                         "PRAGMA cache_size = -65536; PRAGMA temp_store = MEMORY;")) {
     error = errorText();
     return false;
   }

@@ -82,10 +82,20 @@ struct IndexedObject {
 
 class IndexDb {
 public:
-  enum class Access { ReadOnly, ReadWrite };
+  // Build: a new index, at buildingPath() of the index's path, without a log; publish()
+  // puts it in place once whole.
+  enum class Access { ReadOnly, ReadWrite, Build };
 
   // ReadWrite makes the file and its folders when they are missing; ReadOnly wants an index.
   static std::unique_ptr<IndexDb> open(const std::string &path, Access access, std::string &error);
+  // Where a new index of `path` is made; a search meanwhile says so.
+  static std::string buildingPath(const std::string &path);
+  static bool makeFolderOf(const std::string &path, std::string &error);
+  // Syncs the new index of `path` (closed) and renames it to `path`.
+  static bool publish(const std::string &path, std::string &error);
+  static void discardBuild(const std::string &path);
+  // A new index, whole, takes the write-ahead log that later runs use.
+  bool endBuild();
   IndexDb(const IndexDb &) = delete;
   IndexDb &operator=(const IndexDb &) = delete;
   ~IndexDb();
