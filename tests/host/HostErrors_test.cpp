@@ -136,6 +136,21 @@ TEST_F(HostErrorsTest, AnyDatabaseButOurIntactIndexIsLeftAlone) {
   }
 }
 
+// A first run makes the index beside where it goes and puts it in place whole: what a
+// stopped one left is no index to a search, and the next run starts over.
+TEST_F(HostErrorsTest, WhatAStoppedFirstRunLeftIsNoIndexAndIsMadeAgain) {
+  makeDirs(dir.file("index"));
+  writeFile(database + ".new", "half an index");
+  const HostResult early = host({"search", "well"});
+  EXPECT_EQ(1, early.status);
+  EXPECT_NE(std::string::npos, early.err.find("is not made yet: an mhhost index run is making "
+                                              "it, or was stopped"))
+      << early.err;
+  indexOneMessage();
+  EXPECT_EQ(1u, searchJson("well").size());
+  EXPECT_NE(0, access((database + ".new").c_str(), F_OK));
+}
+
 TEST_F(HostErrorsTest, ALockedIndexIsReportedAndLeftAlone) {
   indexOneMessage();
   // Read first: closing any descriptor of the file would drop this process's lock.
