@@ -47,3 +47,9 @@ std::string loadAverage() {
     line.pop_back();
   return line;
 }
+
+std::string BenchArguments::value() {
+  if (at_ + 1 >= argc_)
+    usage_((current_ + " needs a value").c_str());
+  return argv_[++at_];
+}

@@ -4,6 +4,26 @@
 
 #include <string>
 
+// A benchmark's command line, an argument at a time.
+class BenchArguments {
+public:
+  // `usage` reports a problem and ends the program.
+  BenchArguments(int argc, char **argv, void (*usage)(const char *problem))
+      : argc_(argc), argv_(argv), usage_(usage) {}
+  // Moves to the next argument; false after the last.
+  bool next() { return ++at_ < argc_ && (current_ = argv_[at_], true); }
+  const std::string &current() const { return current_; }
+  // The value that follows the current option.
+  std::string value();
+
+private:
+  int argc_;
+  char **argv_;
+  void (*usage_)(const char *);
+  int at_ = 0;
+  std::string current_;
+};
+
 // This program's path, or `fallback` when /proc does not tell it.
 std::string selfPath(const char *fallback);
 std::string directoryOf(const std::string &path);

@@ -56,13 +56,10 @@ struct Options {
 
 Options parseOptions(int argc, char **argv) {
   Options options;
-  for (int i = 1; i < argc; ++i) {
-    const std::string arg = argv[i];
-    auto value = [&]() -> std::string {
-      if (i + 1 >= argc)
-        usage((arg + " needs a value").c_str());
-      return argv[++i];
-    };
+  BenchArguments arguments(argc, argv, usage);
+  while (arguments.next()) {
+    const std::string &arg = arguments.current();
+    const auto value = [&arguments] { return arguments.value(); };
     if (arg == "--messages")
       options.messages = std::strtoull(value().c_str(), nullptr, 10);
     else if (arg == "--mime")
