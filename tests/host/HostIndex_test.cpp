@@ -123,6 +123,8 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
   EXPECT_EQ("8192", queryText(database, "PRAGMA page_size"));
   EXPECT_EQ("wal", queryText(database, "PRAGMA journal_mode"));
   EXPECT_EQ("16777216", queryText(database, "SELECT v FROM texts_config WHERE k = 'hashsize'"));
+  // Built without merging, it merges as later runs write.
+  EXPECT_EQ("16", queryText(database, "SELECT v FROM texts_config WHERE k = 'automerge'"));
 
   // list gives the same records straight from the agent, in its order.
   const HostResult list = host({"--client", client(), "list", "--json"});
