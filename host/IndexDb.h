@@ -17,6 +17,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 struct StoredMailbox {
@@ -169,6 +170,12 @@ private:
   void bindQuery(Statement &select, const SearchQuery &query);
   // The ids of a page of hits newest first, without visiting every match (id_runs).
   std::vector<int64_t> newestPage(const SearchQuery &query);
+  // The ids of a page of hits by relevance, scored on two threads.
+  std::vector<int64_t> relevancePage(const SearchQuery &query);
+  // The best offset + limit hits with ids from `firstId` to `lastId`: score (lower is
+  // better), id.
+  std::vector<std::pair<double, int64_t>> rankedHits(const SearchQuery &query, int64_t firstId,
+                                                     int64_t lastId);
   // True when the last query ran; false with `error` when the person's query was unreadable.
   bool queryRead(std::string &error);
 
@@ -182,4 +189,6 @@ public:
   static constexpr int kIdRunBits = 10;
   // Where a message without a date stands among dates: after every other, newest first.
   static constexpr int64_t kNoDate = std::numeric_limits<int64_t>::min();
+  // The score of a hit by relevance, lower for a better one.
+  static const char kRelevance[];
 };

@@ -4,6 +4,7 @@
 #include "host/IndexStatements.h"
 
 #include <algorithm>
+#include <thread>
 
 namespace {
 
@@ -35,23 +36,21 @@ std::string matching(const SearchQuery &query) {
   return sql;
 }
 
+// The order of a search that goes through no page of its own: oldest first, or any without
+// words (by date then).
 const char *orderOf(const SearchQuery &query) {
-  switch (query.match.empty() ? SearchQuery::Order::Newest : query.order) {
-  case SearchQuery::Order::Oldest:
-    return " ORDER BY o.date IS NULL, o.date, o.id";
-  case SearchQuery::Order::Relevance:
-    // The weights written out: through the table's configured rank, the same bm25 takes
-    // half as long again.
-    return " ORDER BY bm25(texts, 1.0, 4.0, 2.0, 1.0, 1.0, 1.0)";
-  case SearchQuery::Order::Newest:
-    break;
-  }
-  return " ORDER BY o.date IS NULL, o.date DESC, o.id DESC";
+  return query.order == SearchQuery::Order::Oldest
+             ? " ORDER BY o.date IS NULL, o.date, o.id"
+             : " ORDER BY o.date IS NULL, o.date DESC, o.id DESC";
 }
 
 } // namespace
 
 const int64_t IndexDb::kNoDate;
+
+// A subject match weighs four times a body's, a sender's twice. The weights written out:
+// through the table's configured rank, the same bm25 takes half as long again.
+const char IndexDb::kRelevance[] = "bm25(texts, 1.0, 4.0, 2.0, 1.0, 1.0, 1.0)";
 
 void IndexDb::bindQuery(Statement &select, const SearchQuery &query) {
   select.bind(1, query.markStart)
@@ -128,13 +127,84 @@ std::vector<int64_t> IndexDb::newestPage(const SearchQuery &query) {
   return page;
 }
 
+std::vector<std::pair<double, int64_t>> IndexDb::rankedHits(const SearchQuery &query,
+                                                           int64_t firstId, int64_t lastId) {
+  const size_t wanted = static_cast<size_t>(query.offset + query.limit);
+  std::vector<std::pair<double, int64_t>> hits;
+  const bool conditions = !query.agentKey.empty() || !query.folders.empty() ||
+                          !query.clientTags.empty() || !query.ids.empty() || query.dated;
+  if (conditions) {
+    const std::string sql = "SELECT " + std::string(kRelevance) + ", o.id" + matching(query) +
+                            " AND texts.rowid BETWEEN ?1 AND ?2 ORDER BY 1, 2 LIMIT ?7";
+    Statement select(*connection_, sql.c_str());
+    bindQuery(select, query);
+    select.bind(1, firstId).bind(2, lastId).bind(7, static_cast<int64_t>(wanted));
+    while (select.step())
+      hits.emplace_back(select.real(0), select.integer(1));
+    return hits;
+  }
+  // Words alone: the full-text table ranks its rows without a look at the objects, which
+  // takes longer than the ranking; only the best are looked up, to pass over the rows of
+  // removed messages, more of them while too many were such.
+  std::string match = "(" + query.match + ")";
+  for (const std::string &missing : query.without)
+    match += " NOT (" + missing + ")";
+  Statement select(*connection_, ("SELECT " + std::string(kRelevance) +
+                                  ", rowid FROM texts WHERE texts MATCH ?1 AND rowid "
+                                  "BETWEEN ?2 AND ?3 ORDER BY 1, 2 LIMIT ?4")
+                                     .c_str());
+  Statement exists(*connection_, "SELECT 1 FROM objects WHERE id = ?");
+  for (size_t taken = wanted + wanted / 4 + 8;; taken *= 4) {
+    hits.clear();
+    select.reset();
+    select.bind(1, match).bind(2, firstId).bind(3, lastId).bind(4, static_cast<int64_t>(taken));
+    size_t rows = 0;
+    while (select.step() && hits.size() < wanted) {
+      ++rows;
+      exists.reset();
+      if (exists.bind(1, select.integer(1)).step())
+        hits.emplace_back(select.real(0), select.integer(1));
+    }
+    if (hits.size() >= wanted || rows < taken || !connection_->ok())
+      return hits;
+  }
+}
+
+std::vector<int64_t> IndexDb::relevancePage(const SearchQuery &query) {
+  // bm25 scores every match: the ids are halved, the upper half scored on a thread with a
+  // connection of its own. Both read the same table, so the scores are the ones a single
+  // pass gives (the weights of words come from the whole table).
+  int64_t lastId = 0;
+  {
+    Statement select(*connection_, "SELECT max(id) FROM objects");
+    lastId = select.step() ? select.integer(0) : 0;
+  }
+  const int64_t middle = lastId / 2;
+  std::vector<std::pair<double, int64_t>> upper;
+  std::thread other([&] {
+    std::string ignored;
+    const std::unique_ptr<IndexDb> db = IndexDb::open(path_, Access::ReadOnly, ignored);
+    if (db)
+      upper = db->rankedHits(query, middle + 1, lastId);
+  });
+  std::vector<std::pair<double, int64_t>> hits = rankedHits(query, 0, middle);
+  other.join();
+  hits.insert(hits.end(), upper.begin(), upper.end());
+  std::sort(hits.begin(), hits.end());
+  std::vector<int64_t> page;
+  for (size_t i = static_cast<size_t>(query.offset);
+       i < hits.size() && page.size() < static_cast<size_t>(query.limit); ++i)
+    page.push_back(hits[i].second);
+  return page;
+}
+
 bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error) {
   hits.clear();
   // First the page of ids, in order: a sort by date visits every match, and must not take a
   // snippet, which reads a message's whole text, of each.
   std::vector<int64_t> page;
-  if (!query.match.empty() && query.order == SearchQuery::Order::Newest) {
-    page = newestPage(query);
+  if (!query.match.empty() && query.order != SearchQuery::Order::Oldest) {
+    page = query.order == SearchQuery::Order::Newest ? newestPage(query) : relevancePage(query);
     if (!queryRead(error))
       return false;
   } else {

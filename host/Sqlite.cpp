@@ -3,6 +3,11 @@
 
 std::unique_ptr<SqliteConnection> SqliteConnection::open(const std::string &path, int flags,
                                                          int &status, std::string &error) {
+  // Without the library's count of the memory it holds, which takes a lock shared by all its
+  // connections on every allocation: a search scores on two threads. Before the first
+  // connection only; later it is refused, harmlessly.
+  static const int withoutMemoryStatus = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  (void)withoutMemoryStatus;
   sqlite3 *db = nullptr;
   status = sqlite3_open_v2(path.c_str(), &db, flags, nullptr);
   if (status != SQLITE_OK) {
@@ -117,6 +122,10 @@ void Statement::reset() {
 
 int64_t Statement::integer(int column) const {
   return statement_ != nullptr ? sqlite3_column_int64(statement_, column) : 0;
+}
+
+double Statement::real(int column) const {
+  return statement_ != nullptr ? sqlite3_column_double(statement_, column) : 0.0;
 }
 
 std::string Statement::text(int column) const {

@@ -60,6 +60,7 @@ public:
   void reset();
 
   int64_t integer(int column) const;
+  double real(int column) const;
   std::string text(int column) const;
   std::string blob(int column) const;
   bool isNull(int column) const;
