@@ -118,6 +118,28 @@ int64_t pragmaValue(SqliteConnection &connection, const char *sql) {
   return statement.step() ? statement.integer(0) : 0;
 }
 
+// How a connection of each kind reads and writes.
+std::string connectionSettings(IndexDb::Access access) {
+  switch (access) {
+  case IndexDb::Access::ReadWrite:
+    return "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
+           "PRAGMA wal_autocheckpoint = 4096; PRAGMA cache_size = -65536;"
+           "PRAGMA temp_store = MEMORY;";
+  case IndexDb::Access::Build:
+    // A new index is a file of its own until it is whole (buildingPath): nothing to roll
+    // back or keep safe from a power cut, so every page is written once, without a log or a
+    // sync, and segments are left unmerged.
+    return "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;"
+           "PRAGMA cache_size = -65536; PRAGMA temp_store = MEMORY;"
+           "INSERT INTO texts(texts, rank) VALUES('automerge', 0)";
+  case IndexDb::Access::ReadOnly:
+    break;
+  }
+  // A search reads the pages of its hits' objects all over the file: mapped, without a
+  // system call and a copy each.
+  return "PRAGMA mmap_size = " + std::to_string(kSearchMapping) + "; PRAGMA temp_store = MEMORY";
+}
+
 } // namespace
 
 IndexDb::IndexDb(std::unique_ptr<SqliteConnection> connection, std::string path)
@@ -237,27 +259,10 @@ bool IndexDb::claim(Access access, std::string &error) {
     error = errorText();
     return false;
   }
-  if (access == Access::ReadWrite &&
-      !connection_->exec("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
-                         "PRAGMA wal_autocheckpoint = 4096; PRAGMA cache_size = -65536;"
-                         "PRAGMA temp_store = MEMORY;")) {
+  if (!connection_->exec(connectionSettings(access))) {
     error = errorText();
     return false;
   }
-  // A new index is a file of its own until it is whole (buildingPath): nothing to roll back
-  // or keep safe from a power cut, so every page is written once, without a log or a sync.
-  if (access == Access::Build &&
-      !connection_->exec("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF;"
-                         "PRAGMA cache_size = -65536; PRAGMA temp_store = MEMORY;"
-                         "INSERT INTO texts(texts, rank) VALUES('automerge', 0)")) {
-    error = errorText();
-    return false;
-  }
-  // A search reads the pages of its hits' objects all over the file: mapped, without a
-  // system call and a copy each.
-  if (access == Access::ReadOnly)
-    connection_->exec("PRAGMA mmap_size = " + std::to_string(kSearchMapping) +
-                      "; PRAGMA temp_store = MEMORY");
   return true;
 }
 
