@@ -1,7 +1,7 @@
 // CMHAgent: opening objects, and the names and extensions of a client.
 #include "agent/Agent.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
 #include "settings/PropPage.h"
 #include "store/LocalTime.h"

@@ -5,7 +5,7 @@
 // settings and the viewer are in settings/.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "platform/CString.h"
 #include "platform/Object.h"
 #include "platform/WinTypes.h"

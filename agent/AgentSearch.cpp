@@ -1,7 +1,7 @@
 // The walk by which a host learns the objects of a store: find first, find next, close.
 #include "agent/Agent.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "store/LocalTime.h"
 #include "store/MailFile.h"
 #include "store/MailInd.h"

@@ -1,7 +1,7 @@
 // The Eudora agent.
 #include "agent/EudAgent.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "resources/resource.h"
 #include "store/MailHeaders.h"
 

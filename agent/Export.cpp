@@ -1,2 +1,2 @@
 // The shared agent is the static agent library linked whole; this unit only anchors it.
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"

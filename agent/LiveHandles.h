@@ -3,7 +3,7 @@
 // never opened or made up gets its entry's failure status instead of a wild read.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <unordered_set>
 #include <vector>

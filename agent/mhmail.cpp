@@ -6,7 +6,7 @@
 #include "agent/EudAgent.h"
 #include "agent/IMAgent.h"
 #include "agent/LiveHandles.h"
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "agent/Module.h"
 #include "agent/NSAgent.h"
 #include "agent/PegAgent.h"

@@ -1,7 +1,7 @@
 // The benchmark's host: dlopen, initAgent, then the find, object and property entries.
 #include "bench/AgentDriver.h"
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <cstddef>
 #include <cstring>

@@ -2,7 +2,7 @@
 // whole, so that a line of text that only starts with "From" does not split the mailbox.
 #include "clients/Netscape.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "clients/Delimiters.h"
 #include "clients/ScanFormat.h"
 #include "store/ByteSearch.h"

@@ -1,7 +1,7 @@
 // The agent of the fuzz targets that parse mail: brought up once, in this process.
 #include "fuzz/FuzzSupport.h"
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "agent/Module.h"
 
 #include <cstdlib>

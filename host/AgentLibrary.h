@@ -2,7 +2,7 @@
 // terminates the agent and unloads the library; everything else goes through entries().
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <memory>
 #include <string>

@@ -12,7 +12,7 @@
 // dropped.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "host/IndexDb.h"
 #include "host/MessageLoader.h"
 #include "host/StoreTree.h"

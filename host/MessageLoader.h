@@ -9,7 +9,7 @@
 // change while a message is read makes that message unreadable for this run.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "host/MailboxFile.h"
 #include "host/RecordBuffer.h"
 #include "host/reader/MailReader.h"

@@ -2,7 +2,7 @@
 // body as readObject gives it and its fields from getObjectProperties.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "host/PropertyBlock.h"
 
 #include <string>

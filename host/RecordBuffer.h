@@ -2,7 +2,7 @@
 // and a record rebuilt from stored bytes.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <cstddef>
 #include <string>

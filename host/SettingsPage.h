@@ -2,7 +2,7 @@
 // its fields, the check step and the store step.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "platform/WindowApi.h"
 
 #include <string>

@@ -4,7 +4,7 @@
 // given, since a search that gave 122 cannot go on.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "host/RecordBuffer.h"
 
 #include <cstdint>

@@ -2,7 +2,7 @@
 // known and then kept for the life of the agent.
 #include "agent/Agent.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "platform/Shell.h"
 #include "store/MFNList.h"
 

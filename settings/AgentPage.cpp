@@ -2,7 +2,7 @@
 // steps, the focus, and closing it.
 #include "agent/Agent.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "settings/PropPage.h"
 
 AGENT_LOG_SOURCE(".\\AgentPage");

@@ -2,7 +2,7 @@
 // the client's own key.
 #include "agent/Agent.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
 #include "settings/PropPage.h"
 

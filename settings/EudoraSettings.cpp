@@ -2,7 +2,7 @@
 // and the attachments directory that eudora.ini in the mail directory names.
 #include "agent/EudAgent.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
 #include "platform/Profile.h"
 #include "resources/resource.h"

@@ -2,7 +2,7 @@
 // tells the user to reindex when the mailbox has changed under the record.
 #include "agent/Agent.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "platform/Window.h"
 #include "resources/resource.h"
 #include "settings/MailDialog.h"

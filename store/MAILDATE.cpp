@@ -1,7 +1,7 @@
 // CMailDate: tokens, then a time, a day, a month and a year, each found by its own rule.
 #include "store/MAILDATE.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "resources/resource.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The mailbox list: the tree walk and the pairing of mail and control files.
 #include "store/MFNList.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "platform/DirList.h"
 
 #include <deque>

@@ -1,7 +1,7 @@
 // CMailFile: mapping a mailbox, framing it, and building its messages.
 #include "store/MailFile.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "platform/FaultGuard.h"
 #include "platform/FileStatus.h"
 #include "store/ByteSearch.h"

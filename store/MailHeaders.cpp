@@ -1,7 +1,7 @@
 // Header and property names, their overrides, and the header field search.
 #include "store/MailHeaders.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
 #include "resources/resource.h"
 #include "store/ByteSearch.h"

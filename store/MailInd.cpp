@@ -1,7 +1,7 @@
 // CMailIndex: the mailbox list and the one open mail file of a walk.
 #include "store/MailInd.h"
 
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
 #include "store/MailMsg.h"
 

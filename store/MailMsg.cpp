@@ -1,8 +1,8 @@
 // CMailMsg: checksum, header block, fields and body of one message, and its body stream.
 #include "store/MailMsg.h"
 
-#include "agent/AgentAbi.h"
-#include "agent/Log.h"
+#include "include/tuk/AgentAbi.h"
+#include "include/tuk/AgentLog.h"
 #include "platform/FaultGuard.h"
 #include "store/ByteSearch.h"
 #include "store/Checksum.h"

@@ -1,7 +1,7 @@
 // The property block of a message and the table of property names.
 #include "store/MailProps.h"
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "cmn/Acdr.h"
 #include "store/MailHeaders.h"
 #include "store/MailMsg.h"

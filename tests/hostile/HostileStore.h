@@ -1,7 +1,7 @@
 // A mail store that a test may damage at will, with the agent loaded as a host loads it.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "tests/support/HostWalk.h"
 #include "tests/support/LoadedAgent.h"
 #include "tests/support/TestFiles.h"

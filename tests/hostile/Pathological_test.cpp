@@ -1,7 +1,7 @@
 // Inputs built to make a linear scan quadratic or a read wait forever: each must end well
 // within a generous bound. They run in a child, so that a hang fails the test instead of the
 // run; the bounds catch a blow-up of orders of magnitude, not a slow machine.
-#include "agent/Log.h"
+#include "include/tuk/AgentLog.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
 #include "clients/Netscape.h"

@@ -2,7 +2,7 @@
 // the code behind the entries (names, string table and module state as a host would have).
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 #include "agent/Module.h"
 
 #include <string>

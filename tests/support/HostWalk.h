@@ -2,7 +2,7 @@
 // status the agent documents, the walk of a store that must go well, and a record reopened.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // tuk_mhmail.so loaded as a host loads it: dlopen, initAgent, the entry table.
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <string>
 #include <vector>

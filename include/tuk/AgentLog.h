@@ -1,11 +1,13 @@
 // The agent's log: a test of logEnabled and a call of the host's LogSink, so that a log line's
-// arguments are not evaluated while the log is off.
+// arguments are not evaluated while the log is off. Declared here, below every layer that
+// logs (the store, the clients, the agent and its settings); logSink and logEnabled are
+// defined with the module's entry points, in agent/.
 //
 // Each source file names itself once with AGENT_LOG_SOURCE(".\\Stem") and then writes
 // AGENT_LOG(format, ...).
 #pragma once
 
-#include "agent/AgentAbi.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <cstdint>
 
