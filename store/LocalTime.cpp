@@ -1,11 +1,10 @@
 // Local calendar time to seconds, without asking the file system each time.
 #include "store/LocalTime.h"
 
-#include <sys/stat.h>
+#include "platform/TimeZone.h"
 
 #include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 namespace {
@@ -43,11 +42,10 @@ int32_t offsetAtStartOf(int32_t day) {
   DayStart &entry = starts[static_cast<uint32_t>(day) % kDaysKept];
   if (entry.zone != currentZone || entry.day != day) {
     const auto when = static_cast<time_t>(int64_t{day} * kDay);
-    struct tm local;
+    long offset = 0;
     entry = {day, kUnsteady, currentZone};
-    if (localtime_r(&when, &local) != nullptr && local.tm_gmtoff > kUnsteady &&
-        local.tm_gmtoff <= INT32_MAX)
-      entry.offset = static_cast<int32_t>(local.tm_gmtoff);
+    if (zoneOffsetAt(when, offset) && offset > kUnsteady && offset <= INT32_MAX)
+      entry.offset = static_cast<int32_t>(offset);
   }
   return entry.offset;
 }
@@ -63,9 +61,7 @@ DayOffset examine(int32_t day) {
 }
 
 time_t slowPath(const struct tm &fields) {
-  struct tm copy = fields;
-  copy.tm_isdst = -1;
-  return std::mktime(&copy);
+  return localFieldsToSeconds(fields);
 }
 
 int64_t dayOf(time_t seconds) {
@@ -116,42 +112,12 @@ bool countsLeapSeconds() {
     probe.tm_year = 120;
     probe.tm_mday = 1;
     time_t sum = 0;
-    zoneCountsLeapSeconds = !secondsAsUtc(probe, sum) || timegm(&probe) != sum;
+    zoneCountsLeapSeconds = !secondsAsUtc(probe, sum) || utcFieldsToSeconds(probe) != sum;
     leapCheckedZone = currentZone;
   }
   return zoneCountsLeapSeconds;
 }
 
-// What tzset reads the zone from, as it tells a change: the TZ text, and without it the
-// identity and time of /etc/localtime (glibc reads the file again only when those changed).
-struct ZoneSource {
-  bool set = false;
-  std::string text;
-  dev_t device = 0;
-  ino_t inode = 0;
-  time_t written = 0;
-
-  static ZoneSource now() {
-    ZoneSource source;
-    const char *text = std::getenv("TZ");
-    source.set = text != nullptr;
-    if (source.set) {
-      source.text = text;
-      return source;
-    }
-    struct stat status;
-    if (::stat("/etc/localtime", &status) == 0) {
-      source.device = status.st_dev;
-      source.inode = status.st_ino;
-      source.written = status.st_mtime;
-    }
-    return source;
-  }
-  bool operator==(const ZoneSource &other) const {
-    return set == other.set && text == other.text && device == other.device &&
-           inode == other.inode && written == other.written;
-  }
-};
 ZoneSource lastSource;
 bool sourceKnown = false;
 
@@ -161,7 +127,7 @@ void refreshTimeZone() {
   // The source is looked at before the library reads it: a change between the two is then
   // seen at the next reading, never lost.
   ZoneSource source = ZoneSource::now();
-  tzset();
+  readTimeZone();
   // The tables stay good while the zone's source is the one they were filled under: an
   // object opened after another costs no lookups of the library again.
   if (sourceKnown && source == lastSource)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/CString.h"
+#include "platform/Paths.h"
 #include "platform/StringList.h"
 
 #include <memory>
@@ -42,5 +43,3 @@ private:
   POSITION cursor = nullptr;
 };
 
-// The separator the agent puts between path parts.
-constexpr char kPathSeparator = '/';
