@@ -13,6 +13,8 @@ bool isOurCodePage(UINT codePage) {
   return codePage == CP_ACP || codePage == CP_UTF8;
 }
 
+} // namespace
+
 void appendUtf8(std::string &out, char32_t code) {
   if (code < 0x80) {
     out += static_cast<char>(code);
@@ -30,6 +32,8 @@ void appendUtf8(std::string &out, char32_t code) {
     out += static_cast<char>(0x80 | (code & 0x3F));
   }
 }
+
+namespace {
 
 std::string utf16ToUtf8(const WCHAR *wide, size_t length) {
   std::string out;

@@ -125,24 +125,6 @@ void blankControlCharacters(std::string &text) {
       c = ' ';
 }
 
-void appendCodePoint(uint32_t c, std::string &out) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
 uint32_t windows1252CodePoint(unsigned char byte) {
   return byte >= 0x80 && byte < 0xA0 ? kWindows1252High[byte - 0x80] : byte;
 }
@@ -176,7 +158,7 @@ void appendUtf8OrWindows1252(std::string_view bytes, std::string &out) {
     out.append(bytes.data(), valid);
     if (valid == bytes.size())
       return;
-    appendCodePoint(windows1252CodePoint(static_cast<unsigned char>(bytes[valid])), out);
+    appendUtf8(out, windows1252CodePoint(static_cast<unsigned char>(bytes[valid])));
     bytes.remove_prefix(valid + 1);
   }
 }

@@ -1,6 +1,8 @@
 // Text of any charset to UTF-8. Every function appends valid UTF-8, whatever its input holds.
 #pragma once
 
+#include "platform/Unicode.h" // appendUtf8 of one code point
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -16,9 +18,6 @@ void appendUtf8OrWindows1252(std::string_view bytes, std::string &out);
 
 // The ASCII control characters of `text` (line ends too) as blanks: for a value on one line.
 void blankControlCharacters(std::string &text);
-
-// Appends the code point `c` (at most U+10FFFF) in UTF-8.
-void appendCodePoint(uint32_t c, std::string &out);
 
 // The code point that a byte of Windows-1252 stands for; its five holes are read as the C1
 // controls of Latin-1.

@@ -49,8 +49,8 @@ bool isAlnum(char c) {
 constexpr uint32_t kHighDigit = 0xE000, kLowDigit = 0xE800, kDigitBits = 11;
 
 void appendPlaceholder(uint32_t run, std::string &out) {
-  appendCodePoint(kHighDigit + (run >> kDigitBits), out);
-  appendCodePoint(kLowDigit + (run & ((1u << kDigitBits) - 1)), out);
+  appendUtf8(out, kHighDigit + (run >> kDigitBits));
+  appendUtf8(out, kLowDigit + (run & ((1u << kDigitBits) - 1)));
 }
 
 // How an element shapes the text around it.
@@ -315,7 +315,7 @@ void appendText(std::string_view raw, bool references, Entities &entities, std::
         value = windows1252CodePoint(static_cast<unsigned char>(value));
       else if (value == 0 || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF))
         value = 0xFFFD;
-      appendCodePoint(value, out);
+      appendUtf8(out, value);
       p = q;
       continue;
     }
