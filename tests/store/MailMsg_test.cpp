@@ -67,7 +67,6 @@ TEST_F(MailMsgTest, EmptyRangeGivesAnEmptyMessage) {
   EXPECT_EQ(0u, message.bodyLength);
   EXPECT_EQ(nullptr, message.body.get());
   EXPECT_TRUE(message.subject.IsEmpty() && message.to.IsEmpty() && message.date.IsEmpty());
-  EXPECT_EQ(1, message.initialised);
   EXPECT_EQ("/mail/In.mbx", std::string(message.mailbox));
 }
 
