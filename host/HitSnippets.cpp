@@ -3,8 +3,9 @@
 
 #include "host/MessageLoader.h"
 #include "host/Snippet.h"
+#include "host/reader/Charset.h"
 
-#include <algorithm>
+#include <string_view>
 
 const char kChangedSnippet[] =
     "(its mailbox was written since the index was made: run mhhost index to see it again)";
@@ -12,14 +13,12 @@ const char kUnreadableSnippet[] = "(its mailbox can't be read now)";
 
 namespace {
 
-// Without words to mark, a snippet is the text's start, cut at a character's first byte.
+// Without words to mark, a snippet is the text's start, cut before a character it would split
+// (the reader's text is valid UTF-8).
 constexpr size_t kLeadLength = 100;
 
 std::string leadOf(const std::string &text) {
-  size_t end = std::min(text.size(), kLeadLength);
-  while (end < text.size() && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-    --end;
-  return text.substr(0, end);
+  return text.substr(0, validUtf8Prefix(std::string_view(text).substr(0, kLeadLength)));
 }
 
 } // namespace

@@ -108,10 +108,13 @@ StoredRead readStoredMessage(MailboxFile &file, Framing framing, const StoredPla
   std::string range, line;
   if (!file.open(place.path) || !file.readAt(place.offset, place.length, range))
     return StoredRead::Unreadable;
-  if (framing == Framing::NetscapeLine)
-    file.readLineAhead(place.offset, line);
-  if (hashOfBytes(std::string(), range) != place.hash && hashOfBytes(line, range) != place.hash)
-    return StoredRead::Changed;
+  // The delimiter line is read only for a message whose hash holds it (dated by that line).
+  if (hashOfBytes(std::string(), range) != place.hash) {
+    if (framing == Framing::NetscapeLine)
+      file.readLineAhead(place.offset, line);
+    if (line.empty() || hashOfBytes(line, range) != place.hash)
+      return StoredRead::Changed;
+  }
   std::string_view bytes(range);
   if (framing == Framing::EudoraLine && place.offset > 0)
     bytes.remove_prefix(std::min(bytes.size(), bytes.find('\n') + 1)); // the delimiter's rest
