@@ -63,7 +63,10 @@ TEST_F(HostReaderTest, DatesAreTrueTimesWithTheSendersZoneOrTheDelimiterLine) {
   struct tm local = {};
   local.tm_year = 98, local.tm_mon = 0, local.tm_mday = 20, local.tm_hour = 8, local.tm_min = 15;
   local.tm_isdst = -1;
-  EXPECT_EQ(only("kumquat").numbers["date"], static_cast<long long>(mktime(&local)));
+  const JsonObject lineDated = only("kumquat");
+  EXPECT_EQ(lineDated.numbers.at("date"), static_cast<long long>(mktime(&local)));
+  // Its bytes are known with that line: its snippet is read again, not said changed.
+  EXPECT_NE(lineDated.strings.at("snippet").find("kumquat"), std::string::npos);
   // Neither: no date, never the agent's default one.
   const JsonObject undated = only("quokka");
   EXPECT_EQ(undated.numbers.count("date"), 0u);
