@@ -19,11 +19,9 @@ CString nameScratch;
 CMHAgent::CMHAgent(const ClientTraits &traits) : traits_(traits) {}
 
 CMHAgent::~CMHAgent() {
-  // The last resort owner of a search the host never closed.
-  if (mailIndex) {
+  // Searches the host left open end with the agent, whose table owns them.
+  if (!searches.empty())
     AGENT_LOG(" and deleting mail index\n");
-    delete mailIndex;
-  }
 }
 
 int32_t messageTime(const CMailMsg &message) {

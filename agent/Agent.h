@@ -5,6 +5,7 @@
 // settings and the viewer are in settings/.
 #pragma once
 
+#include "agent/LiveSearches.h"
 #include "include/tuk/AgentAbi.h"
 #include "platform/CString.h"
 #include "platform/Object.h"
@@ -74,7 +75,8 @@ public:
   // 0, or -1 when a write failed.
   int setRegistrySettings(const CString &mailPath, const CString &exePath);
 
-  CMailIndex *mailIndex = nullptr;     // the search last started, continued or closed
+  LiveSearches searches;           // the searches the host holds open, which own their indexes
+  CMailIndex *mailIndex = nullptr; // the search last started, continued or closed
   // The mailbox that the last openObject mapped, kept for the next: a host opens the objects
   // of a mailbox one after the other, and mapping the whole mailbox again for each one costs
   // far more than the message.
@@ -109,12 +111,6 @@ protected:
   int32_t validateAndStore(int32_t commit);
 
   const ClientTraits &traits_;
-
-private:
-  // Runs the message search from the index's current mailbox and fills the record; the
-  // shared second half of both find calls.
-  int32_t findMessage(CMailIndex &index, std::unique_ptr<CString> mailbox, ObjectRecord *record,
-                      int32_t *time, bool &recordTooSmall);
 };
 
 // A client's agent: the classes it makes.

@@ -5,7 +5,7 @@
 #include "agent/Agent.h"
 #include "agent/EudAgent.h"
 #include "agent/IMAgent.h"
-#include "agent/LiveHandles.h"
+#include "agent/LiveObjects.h"
 #include "include/tuk/AgentLog.h"
 #include "agent/Module.h"
 #include "agent/NSAgent.h"
@@ -79,16 +79,9 @@ CMHAgent *chooseAgent(const CString &language, const char *agentKey) {
 
 // Objects from an openObject that returned 0, not yet closed. They outlive the agent: a
 // message needs nothing of it once built.
-LiveHandles &liveObjects() {
-  static LiveHandles objects;
+LiveObjects &liveObjects() {
+  static LiveObjects objects;
   return objects;
-}
-
-// Searches from a findFirstObjectHandle that returned 0, until closed or ended by a 122 of
-// findNextObjectHandle. The last terminateAgent ends those the host left open.
-LiveHandles &liveSearches() {
-  static LiveHandles searches;
-  return searches;
 }
 
 // The message behind a host's object handle when it is live and its signature holds; null
@@ -110,30 +103,21 @@ int32_t findFirstObjectHandle(uint32_t unused, AgentHandle *search, ObjectRecord
   AGENT_LOG("findFirstObjectHandle");
   if (!theAgent || !search || !record)
     return StatusNoMoreObjects;
-  const int32_t status = theAgent->findFirstObjectHandle(unused, search, record, time);
-  if (status == StatusOk)
-    liveSearches().add(*search);
-  return status;
+  return theAgent->findFirstObjectHandle(unused, search, record, time);
 }
 
 int32_t findNextObjectHandle(AgentHandle search, ObjectRecord *record, int32_t *time) {
   AGENT_ENTRY_GUARD;
   AGENT_LOG("findNextObjectHandle");
-  if (!theAgent || !record || !liveSearches().contains(search))
+  if (!theAgent || !record)
     return StatusNoMoreObjects;
-  const int32_t status = theAgent->findNextObjectHandle(search, record, time);
-  if (status == StatusBufferTooSmall)
-    liveSearches().remove(search);  // the agent ended the search
-  return status;
+  return theAgent->findNextObjectHandle(search, record, time);
 }
 
 int32_t closeFindObjectHandle(AgentHandle search) {
   AGENT_ENTRY_GUARD;
   AGENT_LOG("closeFindObjectHandle");
-  // 0, -1, a handle closed before or one never given out: nothing to delete.
-  if (!theAgent || !liveSearches().remove(search))
-    return StatusOk;
-  return theAgent->closeFindObjectHandle(search);
+  return theAgent ? theAgent->closeFindObjectHandle(search) : StatusOk;
 }
 
 int32_t keepObject(const ObjectRecord *record, uint32_t) {
@@ -286,13 +270,9 @@ int32_t terminateAgent() {
     // Strings must never be looked up in a released module.
     AfxSetResourceHandle(&agentModule);
   }
-  if (theAgent) {
-    // Searches the host left open end with the agent, the last one used among them.
-    for (const AgentHandle search : liveSearches().takeAll())
-      theAgent->closeFindObjectHandle(search);
-    delete theAgent;
-    theAgent = nullptr;
-  }
+  // Searches the host left open end with the agent, which owns them.
+  delete theAgent;
+  theAgent = nullptr;
   AGENT_LOG("tuk_mhmail.dll terminating");
   return 0;
 }
