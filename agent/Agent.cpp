@@ -40,16 +40,17 @@ int32_t messageTime(const CMailMsg &message) {
 
 int32_t CMHAgent::openObject(AgentHandle *object, const ObjectRecord *record, int32_t *time) {
   const CString path(record->path);
-  if (!objectMailFile || !objectMailFile->mapsFileNow(path)) {
-    objectMailFile.reset(); // one mailbox mapped at a time
-    std::unique_ptr<CMailFile> mailFile = newMailFile();
-    if (mailFile->init(path) < 0) {
+  CMailFile *mailFile = objectMailbox.reusable(path);
+  if (!mailFile) {
+    objectMailbox.drop(); // one mailbox mapped at a time
+    std::unique_ptr<CMailFile> opened = newMailFile();
+    if (opened->init(path) < 0) {
       AGENT_LOG("Couldn't initialise mailFile\n");
       return StatusMailFileFailed;
     }
-    objectMailFile = std::move(mailFile);
+    mailFile = &objectMailbox.keep(std::move(opened));
   }
-  std::unique_ptr<CMailMsg> message = objectMailFile->getMsgAt(record->offset, record->length);
+  std::unique_ptr<CMailMsg> message = mailFile->getMsgAt(record->offset, record->length);
   if (!message) {
     AGENT_LOG("Couldn't get message from mailFile.                    Offset: %d, Size: %d\n",
               static_cast<int>(record->offset), static_cast<int>(record->length));

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "agent/LiveSearches.h"
+#include "agent/ObjectMailbox.h"
 #include "include/tuk/AgentAbi.h"
 #include "platform/CString.h"
 #include "platform/Object.h"
@@ -77,10 +78,7 @@ public:
 
   LiveSearches searches;           // the searches the host holds open, which own their indexes
   CMailIndex *mailIndex = nullptr; // the search last started, continued or closed
-  // The mailbox that the last openObject mapped, kept for the next: a host opens the objects
-  // of a mailbox one after the other, and mapping the whole mailbox again for each one costs
-  // far more than the message.
-  std::unique_ptr<CMailFile> objectMailFile;
+  ObjectMailbox objectMailbox;     // the mailbox that the last openObject mapped, kept for the next
   std::unique_ptr<CPropPage> propPage; // the open settings page; closed with the agent
   CString agentKeyName;
   int32_t largeIcon = 0;

@@ -17,9 +17,8 @@ int CMailFile::setDelimiter(const void *bytes, uint32_t length, uint32_t capacit
     return -1;
   std::memcpy(buffer.get(), bytes, length);
   std::memset(buffer.get() + length, 0, capacity - length);
-  delimiter = std::move(buffer);
+  delimiter.reset(std::move(buffer), length);
   delimiterLength = length;
-  delimiterPair = rarestPair(delimiter.get(), length);
   return 0;
 }
 
@@ -61,31 +60,13 @@ int CMailFile::mapFile(const CString &name) {
     fileHandle.reset();
     return -1;
   }
-  mappedFileKnown = GetFileInformationByHandle(fileHandle.get(), &mappedFile) != FALSE;
   return 0;
-}
-
-bool CMailFile::mapsFileNow(const CString &name) const {
-  if (!isOpen() || !mappedFileKnown || name != fileName)
-    return false;
-  // Writes in place show through the shared view. A file replaced under the name (a client
-  // that compacts a mailbox writes a new one) or grown or cut since is another file.
-  const ScopedHandle current(CreateFileA(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                         nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-  BY_HANDLE_FILE_INFORMATION now;
-  if (!current.valid() || !GetFileInformationByHandle(current.get(), &now))
-    return false;
-  return now.dwVolumeSerialNumber == mappedFile.dwVolumeSerialNumber &&
-         now.nFileIndexHigh == mappedFile.nFileIndexHigh &&
-         now.nFileIndexLow == mappedFile.nFileIndexLow && now.nFileSizeHigh == 0 &&
-         now.nFileSizeLow == fileSize;
 }
 
 void CMailFile::unmapFile() {
   mapBase.reset();
   mappingHandle.reset();
   fileHandle.reset();
-  mappedFileKnown = false;
 }
 
 std::unique_ptr<CMailMsg> CMailFile::buildMessage(uint32_t offset, uint32_t length) {
@@ -146,7 +127,7 @@ int CMailFile::scanFrom(uint32_t offset) {
   // Look for two rare bytes of the delimiter together, not its first byte alone: Eudora's 'F'
   // stands every 64 bytes of a base64 attachment and Pegasus's line feed on every line, while
   // "?..@" and LF 0x1A hardly ever do. Only where both stand is the whole delimiter compared.
-  const BytePair &pair = delimiterPair;
+  const BytePair &pair = delimiter.pair();
   // A delimiter counts only with at least one byte of the file behind it.
   while (patternLength != 0 && uint64_t{pos} + patternLength < fileSize) {
     const uint32_t lastStart = fileSize - patternLength - 1;

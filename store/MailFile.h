@@ -8,8 +8,7 @@
 #include "platform/CString.h"
 #include "platform/Files.h"
 #include "platform/Object.h"
-#include "store/ByteSearch.h"
-#include "store/MallocPtr.h"
+#include "store/DelimiterBuffer.h"
 
 #include <cstdint>
 #include <memory>
@@ -42,9 +41,6 @@ public:
   // Drops the present mapping and maps `name`; an empty name only drops it. 0, or -1.
   int setMailbox(const CString &name);
   int isOpen() const { return mapBase.get() != nullptr ? 1 : 0; }
-  // True when this object maps `name` and the file there is still the one mapped, at the
-  // size mapped: its view then shows the file's bytes as they are now.
-  bool mapsFileNow(const CString &name) const;
   std::unique_ptr<CString> getFileName() const { return std::make_unique<CString>(fileName); }
 
   ScopedHandle fileHandle;
@@ -54,13 +50,8 @@ public:
   uint32_t fileSize = 0;
   uint32_t msgOffset = 0;
   uint32_t msgLength = 0;
-  MallocPtr<unsigned char> delimiter;
+  DelimiterBuffer delimiter;
   uint32_t delimiterLength = 0;
-  BytePair delimiterPair; // the two bytes of the delimiter that the scan looks for
-  // What named the mapped file when it was mapped; mappedFileKnown is false when that could
-  // not be had, and the mapping is then never taken for the file under its name.
-  BY_HANDLE_FILE_INFORMATION mappedFile{};
-  bool mappedFileKnown = false;
 
 protected:
   // Called when the object has mapped another mailbox (or none), for scans that keep state.
