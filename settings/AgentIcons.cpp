@@ -6,7 +6,7 @@
 #include "platform/Shell.h"
 #include "store/MFNList.h"
 
-AGENT_LOG_SOURCE(".\\AgentIcons");
+AGENT_LOG_SOURCE(".\\Agent");
 
 int32_t CMHAgent::getObjectIcon(uint32_t, int32_t *smallIconOut, int32_t *largeIconOut) {
   // 0 means "not known": a pair with a 0 in it is asked for again on the next call.

@@ -5,7 +5,7 @@
 #include "include/tuk/AgentLog.h"
 #include "settings/PropPage.h"
 
-AGENT_LOG_SOURCE(".\\AgentPage");
+AGENT_LOG_SOURCE(".\\Agent");
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "cmn/Registry.h"
 #include "settings/PropPage.h"
 
-AGENT_LOG_SOURCE(".\\AgentRegistry");
+AGENT_LOG_SOURCE(".\\Agent");
 
 std::unique_ptr<CString> CMHAgent::getFileAgentKey(const CString &tag) const {
   const int position = agentKeyName.Find(tag);

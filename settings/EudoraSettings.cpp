@@ -7,7 +7,7 @@
 #include "platform/Profile.h"
 #include "resources/resource.h"
 
-AGENT_LOG_SOURCE(".\\EudoraSettings");
+AGENT_LOG_SOURCE(".\\EudAgent");
 
 namespace {
 

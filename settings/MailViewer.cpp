@@ -9,7 +9,7 @@
 #include "store/MailFile.h"
 #include "store/MailMsg.h"
 
-AGENT_LOG_SOURCE(".\\MailViewer");
+AGENT_LOG_SOURCE(".\\Agent");
 
 namespace {
 
