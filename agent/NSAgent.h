@@ -2,7 +2,7 @@
 #pragma once
 
 #include "agent/Agent.h"
-#include "clients/Netscape.h"
+#include "clients/NSMFile.h"
 #include "settings/ClientPages.h"
 
 class CNetscapeAgent : public CClientAgent<CNetscapeMailFile, CNetscapeMailIndex, CNSPropPage> {

@@ -2,12 +2,13 @@
 //
 // Every entry makes this library's module state current for its duration, so that string
 // and dialog lookups see this library's resources (or its language module's).
+#include "agent/mhmail.h"
+
 #include "agent/Agent.h"
 #include "agent/EudAgent.h"
 #include "agent/IMAgent.h"
 #include "agent/LiveObjects.h"
 #include "include/tuk/AgentLog.h"
-#include "agent/Module.h"
 #include "agent/NSAgent.h"
 #include "agent/PegAgent.h"
 #include "cmn/HelpFile.h"

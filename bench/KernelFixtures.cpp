@@ -1,7 +1,7 @@
 // The kernel benchmarks' inputs: strings, messages and mail files, each made on first use.
 #include "bench/KernelFixtures.h"
 
-#include "agent/Module.h"
+#include "agent/mhmail.h"
 #include "bench/FileCache.h"
 #include "bench/MailCorpus.h"
 #include "platform/CString.h"

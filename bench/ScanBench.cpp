@@ -4,7 +4,7 @@
 #include "bench/KernelFixtures.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
-#include "clients/Netscape.h"
+#include "clients/NSMFile.h"
 #include "clients/Pegasus.h"
 #include "platform/FaultGuard.h"
 

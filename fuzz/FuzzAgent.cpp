@@ -2,7 +2,7 @@
 #include "fuzz/FuzzSupport.h"
 
 #include "include/tuk/AgentAbi.h"
-#include "agent/Module.h"
+#include "agent/mhmail.h"
 
 #include <cstdlib>
 

@@ -8,7 +8,7 @@
 #include "clients/Delimiters.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
-#include "clients/Netscape.h"
+#include "clients/NSMFile.h"
 #include "clients/Pegasus.h"
 
 #include <type_traits>

@@ -4,7 +4,7 @@
 #include "include/tuk/AgentLog.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
-#include "clients/Netscape.h"
+#include "clients/NSMFile.h"
 #include "clients/Pegasus.h"
 #include "platform/Profile.h"
 #include "store/MAILDATE.h"

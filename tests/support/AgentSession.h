@@ -3,7 +3,7 @@
 #pragma once
 
 #include "include/tuk/AgentAbi.h"
-#include "agent/Module.h"
+#include "agent/mhmail.h"
 
 #include <string>
 
