@@ -1,4 +1,5 @@
-// The walk by which a host learns the objects of a store: find first, find next, close.
+// CMHAgent's search: the walk by which a host learns the objects of a store: find first, find
+// next, close.
 #include "agent/Agent.h"
 
 #include "include/tuk/AgentLog.h"

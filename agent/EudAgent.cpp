@@ -1,4 +1,4 @@
-// The Eudora agent.
+// CEudoraAgent: the Eudora agent.
 #include "agent/EudAgent.h"
 
 #include "include/tuk/AgentLog.h"

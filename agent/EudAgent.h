@@ -1,5 +1,6 @@
-// The Eudora agent: besides the common settings it keeps an "Index Attachments" flag and the
-// attachments directory in the key beside its own, and finds that directory in eudora.ini.
+// CEudoraAgent: the Eudora agent. Besides the common settings it keeps an "Index Attachments"
+// flag and the attachments directory in the key beside its own, and finds that directory in
+// eudora.ini.
 #pragma once
 
 #include "agent/Agent.h"

@@ -1,4 +1,4 @@
-// The Internet Mail agent.
+// CInternetMailAgent: the Internet Mail agent.
 #include "agent/IMAgent.h"
 
 #include "resources/resource.h"

@@ -1,4 +1,4 @@
-// The Internet Mail agent.
+// CInternetMailAgent: the Internet Mail agent.
 #pragma once
 
 #include "agent/Agent.h"

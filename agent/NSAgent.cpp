@@ -1,4 +1,4 @@
-// The Netscape agent.
+// CNetscapeAgent: the Netscape agent.
 #include "agent/NSAgent.h"
 
 #include "resources/resource.h"

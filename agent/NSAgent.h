@@ -1,4 +1,4 @@
-// The Netscape agent.
+// CNetscapeAgent: the Netscape agent.
 #pragma once
 
 #include "agent/Agent.h"

@@ -1,4 +1,4 @@
-// The Pegasus agent.
+// CPegasusAgent: the Pegasus agent.
 #include "agent/PegAgent.h"
 
 #include "resources/resource.h"

@@ -1,4 +1,4 @@
-// The Pegasus agent.
+// CPegasusAgent: the Pegasus agent.
 #pragma once
 
 #include "agent/Agent.h"

@@ -1,4 +1,4 @@
-// What the four clients' mail files share: each makes its own message class.
+// CClientMailFile: what the four clients' mail files share: each makes its own message class.
 #pragma once
 
 #include "store/MailFile.h"

@@ -1,4 +1,4 @@
-// The Eudora store's delimiter.
+// CEudoraMailFile: the Eudora store's delimiter.
 #include "clients/Eudora.h"
 
 #include "clients/Delimiters.h"

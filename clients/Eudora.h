@@ -1,4 +1,5 @@
-// The Eudora store: mail files cut by the 12 bytes "From ???@???", wherever they stand.
+// CEudoraMailFile, CEudoraMailMsg and CEudoraMailIndex: the Eudora store, whose mail files
+// are cut by the 12 bytes "From ???@???", wherever they stand.
 #pragma once
 
 #include "clients/ClientMailFile.h"

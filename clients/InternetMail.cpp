@@ -1,4 +1,4 @@
-// The Internet Mail store's delimiter.
+// CInternetMailMailFile: the Internet Mail store's delimiter.
 #include "clients/InternetMail.h"
 
 #include "clients/Delimiters.h"

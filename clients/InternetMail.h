@@ -1,4 +1,5 @@
-// The Internet Mail store: mail files cut by the four bytes 00 7F 00 7F.
+// CInternetMailMailFile, CInternetMailMailMsg and CInternetMailMailIndex: the Internet Mail
+// store, whose mail files are cut by the four bytes 00 7F 00 7F.
 #pragma once
 
 #include "clients/ClientMailFile.h"

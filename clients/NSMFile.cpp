@@ -1,5 +1,6 @@
-// The Netscape store's scan: a message starts behind a line that the delimiter format reads
-// whole, so that a line of text that only starts with "From" does not split the mailbox.
+// CNetscapeMailFile: the Netscape store's scan. A message starts behind a line that the
+// delimiter format reads whole, so that a line of text that only starts with "From" does not
+// split the mailbox.
 #include "clients/NSMFile.h"
 
 #include "include/tuk/AgentLog.h"

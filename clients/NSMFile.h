@@ -1,4 +1,5 @@
-// The Netscape store: a message starts behind a line that the delimiter format reads whole.
+// CNetscapeMailFile, CNetscapeMailMsg and CNetscapeMailIndex: the Netscape store, where a
+// message starts behind a line that the delimiter format reads whole.
 #pragma once
 
 #include "clients/ClientMailFile.h"

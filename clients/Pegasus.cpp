@@ -1,4 +1,4 @@
-// The Pegasus store: the generic scan, started behind the file header.
+// CPegasusMailFile: the generic scan, started behind the file header.
 #include "clients/Pegasus.h"
 
 #include "clients/Delimiters.h"

@@ -1,4 +1,5 @@
-// The Pegasus store: a 128-byte file header, then messages cut by 0A 0A 1A.
+// CPegasusMailFile, CPegasusMailMsg and CPegasusMailIndex: the Pegasus store, a 128-byte file
+// header, then messages cut by 0A 0A 1A.
 #pragma once
 
 #include "clients/ClientMailFile.h"

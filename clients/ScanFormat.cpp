@@ -1,4 +1,4 @@
-// The scanf subset of delimiter lines, read straight from mapped bytes.
+// ScanProgram: the scanf subset of delimiter lines, read straight from mapped bytes.
 #include "clients/ScanFormat.h"
 
 #include <climits>

@@ -1,5 +1,5 @@
-// A bounded reader of the scanf directives a delimiter format uses: white space, ordinary
-// characters, %s and %d, with the standard meaning of sscanf over [begin, end).
+// ScanProgram: a bounded reader of the scanf directives a delimiter format uses (white space,
+// ordinary characters, %s and %d), with the standard meaning of sscanf over [begin, end).
 //
 // It differs from sscanf only where sscanf has no safe answer: a zero byte ends the input as
 // it ends a C string, a word of kMaxScanWord characters or more fails its conversion instead

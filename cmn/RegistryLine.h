@@ -1,5 +1,5 @@
-// The syntax of one line of a registry file: recognising a key line or a value line, and
-// writing them. A line here is its content, without the line end.
+// RegistryData and ValueLineHead: the syntax of one line of a registry file, recognising a
+// key line or a value line, and writing them. A line here is its content, without its end.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// FindFirstFileA / FindNextFileA: a directory listing in the order NTFS delivers it.
+// FindFirstFileA / FindNextFileA and WIN32_FIND_DATAA: a directory listing in the order NTFS
+// delivers it.
 //
 // "." and ".." come first, then the other entries by byte order of their names upper-cased
 // in ASCII, ties broken by the raw bytes. Kinds come from the entry itself (lstat): a

@@ -1,4 +1,4 @@
-// CFile::GetStatus: a file's status by path.
+// CFile::GetStatus and CFileStatus: a file's status by path.
 #pragma once
 
 #include "WinTypes.h"

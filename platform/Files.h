@@ -1,4 +1,5 @@
-// Files and read-only mappings: the Windows file calls the mail code makes, on POSIX.
+// Files and read-only mappings: the Windows file calls the mail code makes, on POSIX, and
+// ScopedHandle and ScopedView, the owners of the handles and views those calls give.
 //
 // Handles are owned objects of this library; CloseHandle releases them. Every call that
 // fails records a system error number for GetLastError (per thread).

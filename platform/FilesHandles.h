@@ -1,4 +1,5 @@
-// Private to the platform library: the objects behind HANDLE values, and an owned descriptor.
+// HandleObject, FileObject and UniqueFd, private to the platform library: the objects behind
+// HANDLE values, and an owned descriptor.
 #pragma once
 
 #include "WinTypes.h"

@@ -1,4 +1,4 @@
-// Message maps: the table by which a window class names the handlers of its messages.
+// MessageMap: the table by which a window class names the handlers of its messages.
 //
 // A class's map lists entries made with the helpers below and points at its base class's map;
 // a message goes to the first entry that matches, searching from the most derived class. The

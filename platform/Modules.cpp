@@ -1,5 +1,5 @@
-// Modules on POSIX: the per-thread module state, LoadLibraryA and FreeLibrary over dlopen,
-// and the application object.
+// CModule, AFX_MODULE_STATE and CWinApp on POSIX: the per-thread module state, LoadLibraryA
+// and FreeLibrary over dlopen, and the application object.
 #include "Modules.h"
 
 #include "Files.h"

@@ -1,4 +1,5 @@
-// Modules, the per-thread module state and the application object.
+// CModule, AFX_MODULE_STATE, AFX_MAINTAIN_STATE and CWinApp: modules, the per-thread module
+// state and the application object.
 //
 // A module is a library with a string table and dialog templates of its own: the agent, or a
 // language module loaded with LoadLibraryA. The module state that is current on a thread

@@ -1,4 +1,4 @@
-// String tables and dialog templates, as a module holds them.
+// ResourceTable: the string table and dialog templates (DialogTemplate) a module holds.
 //
 // One resource script in resources/ is the source; the build turns it into a
 // ResourceTable (tools/rcgen). A language module exports its table under the C symbol

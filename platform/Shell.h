@@ -1,5 +1,6 @@
-// The shell calls the agent makes: the folder picker with the item identifier lists, the
-// desktop folder and the allocator it works with, and the icon indices of files.
+// The shell calls the agent makes: the folder picker (BROWSEINFOA) with the item identifier
+// lists (ITEMIDLIST), the desktop folder (IShellFolder) and the allocator (IMalloc) it works
+// with, and the icon indices of files (SHFILEINFOA).
 //
 // An item identifier list here holds one item: the folder's full path, zero-terminated, in
 // the platform's multi-byte code page. Lists, and the wide names that GetDisplayNameOf hands

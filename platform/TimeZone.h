@@ -1,6 +1,6 @@
 // The C library's time zone, for the agent's local times: what localtime_r, mktime, timegm and
-// tzset do, and what tells that the zone may have changed (the TZ variable, or without it
-// /etc/localtime, which is what tzset reads).
+// tzset do, and ZoneSource, what tells that the zone may have changed (the TZ variable, or
+// without it /etc/localtime, which is what tzset reads).
 #pragma once
 
 #include <ctime>

@@ -1,4 +1,5 @@
-// The Win32 window calls the agent makes, over the headless window system.
+// The Win32 window calls the agent makes, over the headless window system, and their POINT,
+// RECT, MINMAXINFO and HELPINFO.
 //
 // A window has a handle, a class, a text, a rectangle, style bits (visibility, enabled state
 // and minimised state among them), a parent and children. Messages go to the window's class

@@ -1,5 +1,5 @@
-// Private to the platform library: the windows behind HWND values, their geometry, and the
-// person's actions on them that the C API (WindowApi.h) offers.
+// WindowState and WindowCreation, private to the platform library: the windows behind HWND
+// values, their geometry, and the person's actions on them that the C API (WindowApi.h) offers.
 #pragma once
 
 #include "Window.h"

@@ -1,5 +1,5 @@
-// getObjectIcon: the client program's two icon indices, asked of the shell until both are
-// known and then kept for the life of the agent.
+// CMHAgent::getObjectIcon: the client program's two icon indices, asked of the shell until
+// both are known and then kept for the life of the agent.
 #include "agent/Agent.h"
 
 #include "include/tuk/AgentLog.h"

@@ -1,4 +1,4 @@
-// The agent's side of the settings page: making it in the host's window, the check and store
+// CMHAgent's side of the settings page: making it in the host's window, the check and store
 // steps, the focus, and closing it.
 #include "agent/Agent.h"
 

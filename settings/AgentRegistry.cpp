@@ -1,4 +1,4 @@
-// The agent's registry values: the two directories under the agent key, and the key beside
+// CMHAgent's registry values: the two directories under the agent key, and the key beside
 // the client's own key.
 #include "agent/Agent.h"
 

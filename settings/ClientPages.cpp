@@ -1,4 +1,5 @@
-// Each client page's template, texts, program names and help context ids.
+// CEudPropPage, CIMPropPage, CNSPropPage and CPegPropPage: each client page's template, texts,
+// program names and help context ids.
 #include "settings/ClientPages.h"
 
 #include "resources/resource.h"

@@ -1,4 +1,5 @@
-// The settings pages of the four clients: the same page with each client's numbers.
+// CEudPropPage, CIMPropPage, CNSPropPage and CPegPropPage: the settings pages of the four
+// clients, the same page with each client's numbers.
 #pragma once
 
 #include "settings/ClientPropPage.h"

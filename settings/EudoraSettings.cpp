@@ -1,5 +1,5 @@
-// The Eudora agent's settings: the attachment flag and directory in the key beside its own,
-// and the attachments directory that eudora.ini in the mail directory names.
+// CEudoraAgent's settings: the attachment flag and directory in the key beside its own, and
+// the attachments directory that eudora.ini in the mail directory names.
 #include "agent/EudAgent.h"
 
 #include "include/tuk/AgentLog.h"

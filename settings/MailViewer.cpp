@@ -1,5 +1,5 @@
-// RunObject: finds the message a record names and shows it in the View Email window, or
-// tells the user to reindex when the mailbox has changed under the record.
+// CMHAgent::RunObject: finds the message a record names and shows it in the View Email
+// window, or tells the user to reindex when the mailbox has changed under the record.
 #include "agent/Agent.h"
 
 #include "include/tuk/AgentLog.h"

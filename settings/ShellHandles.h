@@ -1,5 +1,5 @@
-// Owners for what the shell hands out: interfaces to release and item lists to free with the
-// shell's allocator.
+// ShellRef, ItemList and TaskMem: owners for what the shell hands out, interfaces to release,
+// item lists to free with the shell's allocator and blocks of its task allocator.
 #pragma once
 
 #include "platform/Shell.h"

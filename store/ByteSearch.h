@@ -1,5 +1,6 @@
-// Searches over a message's or a mailbox's bytes that test many positions per step: the hot
-// loops of the scans and of the header reader.
+// Searches over a message's or a mailbox's bytes that test many positions per step, and
+// BytePair, the two bytes of a pattern that they look for: the hot loops of the scans and of
+// the header reader.
 //
 // Each reads only inside the bounds it is given; on mapped bytes, call it inside runGuarded.
 #pragma once

@@ -1,4 +1,4 @@
-// The mailbox list: the tree walk and the pairing of mail and control files.
+// CMailFilenameList: the tree walk and the pairing of mail and control files.
 #include "store/MFNList.h"
 
 #include "include/tuk/AgentLog.h"

@@ -1,5 +1,5 @@
-// The mailboxes below a mail directory: a walk of the whole tree, then a pairing of mail files
-// with their control files by name.
+// CMailFilenameList: the mailboxes below a mail directory, found by a walk of the whole tree
+// and a pairing of mail files with their control files by name.
 #pragma once
 
 #include "platform/CString.h"

@@ -1,4 +1,4 @@
-// The property block of a message and the table of property names.
+// CMailMsg::getProperties: the property block of a message; and the table of property names.
 #include "store/MailProps.h"
 
 #include "include/tuk/AgentAbi.h"

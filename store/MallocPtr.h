@@ -1,4 +1,5 @@
-// Ownership of malloc'd buffers (the message body, a delimiter): released with free.
+// MallocPtr: ownership of a malloc'd buffer (the message body, a delimiter), released with
+// free.
 #pragma once
 
 #include <cstdlib>
