@@ -1,7 +1,8 @@
-// LiveSearches: the searches a host holds open, each from the findFirstObjectHandle that
-// opened it until it is closed or ends. A search owns its CMailIndex, whose address is the
-// handle the host holds. A handle that is not live is never read, so that one closed twice,
-// never given out or made up gets its entry's failure status instead of a wild read.
+// LiveSearches and OpenSearch: the searches a host holds open, each from the
+// findFirstObjectHandle that opened it until it is closed or ends. A search owns its
+// CMailIndex, whose address is the handle the host holds. A handle that is not live is never
+// read, so that one closed twice, never given out or made up gets its entry's failure status
+// instead of a wild read.
 #pragma once
 
 #include "include/tuk/AgentAbi.h"
