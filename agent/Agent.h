@@ -63,6 +63,8 @@ public:
   // value where there is one. 2, always.
   virtual int32_t getFileExtensions(CString &mailExt, CString &ctrlExt);
 
+  // Go on with and end a live search of `searches`. A handle that is not live is never read:
+  // it gets 18 from the first and nothing happens in the second (which returns 0 always).
   int32_t findNextObjectHandle(AgentHandle search, ObjectRecord *record, int32_t *time);
   int32_t closeFindObjectHandle(AgentHandle search);
 
