@@ -7,6 +7,7 @@
 #include "clients/Delimiters.h"
 #include "clients/ScanFormat.h"
 #include "store/ByteSearch.h"
+#include "store/DelimiterScan.h"
 
 #include <cstring>
 
@@ -112,35 +113,22 @@ int CNetscapeMailFile::nextMessage() {
   // The delimiter buffer always holds the format's text: its pair is chosen once.
   static const BytePair quick = rarestPair(
       reinterpret_cast<const unsigned char *>(kNetscapeDelimiterText), kQuickTestLength);
-  uint32_t pos = msgOffset;
-  uint32_t end = fileSize;
   // The quick test: "From" at pos, with more than the delimiter's length of the file from
-  // there on. Only a position that passes it, and has a line feed behind it, is parsed.
-  while (uint64_t{pos} + delimiterLength < fileSize) {
-    const uint32_t lastStart = fileSize - delimiterLength - 1;
-    // Two of the four bytes together: any one alone stands every 64 bytes of base64.
-    pos = findPair(base, pos, lastStart, quick);
-    if (pos == kByteNotFound)
-      break;
-    if (std::memcmp(base + pos, format, kQuickTestLength) != 0) {
-      ++pos;
-      continue;
-    }
-    const uint32_t lineFeed = findLineFeed(pos + kQuickTestLength);
-    if (lineFeed == fileSize ||
-        !(pos == delimiterLineAt_ || isDelimiterLine(pos, lineFeed))) {
-      ++pos;
-      continue;
-    }
-    delimiterLineAt_ = pos;
-    if (pos != msgOffset) {
-      end = pos; // the delimiter line of the next message
-      break;
-    }
-    // The delimiter line in front of this message: the message starts behind it.
-    msgOffset = lineFeed + 1;
-    pos = msgOffset;
-  }
-  msgLength = end - msgOffset;
+  // there on; two of its four bytes are looked for together, as any one alone stands every
+  // 64 bytes of base64. Only a position that passes it, and has a line feed behind it, is
+  // parsed.
+  const MessageFrame frame = frameMessage(
+      base, fileSize, msgOffset, delimiterLength, quick, [&](uint32_t pos, uint32_t &behind) {
+        if (std::memcmp(base + pos, format, kQuickTestLength) != 0)
+          return false;
+        const uint32_t lineFeed = findLineFeed(pos + kQuickTestLength);
+        if (lineFeed == fileSize || !(pos == delimiterLineAt_ || isDelimiterLine(pos, lineFeed)))
+          return false;
+        delimiterLineAt_ = pos;
+        behind = lineFeed + 1;
+        return true;
+      });
+  msgOffset = frame.offset;
+  msgLength = frame.length;
   return 0;
 }

@@ -2,6 +2,7 @@
 #include "cmn/RegistryFile.h"
 
 #include "cmn/UniqueFd.h"
+#include "platform/FilesFaults.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -12,6 +13,15 @@
 namespace cmn {
 
 namespace {
+
+// The registry's opens and writes, which a test can make fail as the system may.
+int openFile(const std::string &path, int flags, mode_t mode = 0) {
+  return injectedFailure(FileOperation::RegistryOpen) ? -1 : ::open(path.c_str(), flags, mode);
+}
+
+ssize_t writeSome(int fd, const char *bytes, size_t count) {
+  return injectedFailure(FileOperation::RegistryWrite) ? -1 : ::write(fd, bytes, count);
+}
 
 std::string directoryOf(const std::string &path) {
   const size_t slash = path.rfind('/');
@@ -35,10 +45,10 @@ bool makeParentDirectories(const std::string &path) {
 
 // The lock is held for as long as the returned descriptor stays open.
 UniqueFd lockExclusively(const std::string &lockPath) {
-  UniqueFd lock(::open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  UniqueFd lock(openFile(lockPath, O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!lock)
     return lock;
-  while (::flock(lock.get(), LOCK_EX) != 0) {
+  while (injectedFailure(FileOperation::RegistryLock) || ::flock(lock.get(), LOCK_EX) != 0) {
     if (errno != EINTR)
       return UniqueFd();
   }
@@ -48,7 +58,7 @@ UniqueFd lockExclusively(const std::string &lockPath) {
 bool writeAll(int fd, const std::string &bytes) {
   size_t written = 0;
   while (written < bytes.size()) {
-    const ssize_t count = ::write(fd, bytes.data() + written, bytes.size() - written);
+    const ssize_t count = writeSome(fd, bytes.data() + written, bytes.size() - written);
     if (count < 0) {
       if (errno == EINTR)
         continue;
@@ -79,7 +89,7 @@ private:
 // Makes the rename itself durable. Some file systems cannot sync a directory; the new file is
 // in place all the same, so a failure here does not fail the write.
 void syncDirectory(const std::string &directory) {
-  UniqueFd handle(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  UniqueFd handle(openFile(directory, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (handle)
     ::fsync(handle.get());
 }
@@ -88,17 +98,18 @@ void syncDirectory(const std::string &directory) {
 // file that a killed writer left behind is simply truncated by the next one.
 bool replaceFile(const std::string &path, const std::string &bytes) {
   struct stat old;
-  const mode_t mode = ::stat(path.c_str(), &old) == 0 ? (old.st_mode & 07777) : 0600;
+  const bool known = !injectedFailure(FileOperation::StatPath) && ::stat(path.c_str(), &old) == 0;
+  const mode_t mode = known ? (old.st_mode & 07777) : 0600;
   const std::string temporary = path + ".tmp";
-  UniqueFd out(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW,
-                      0600));
+  UniqueFd out(openFile(temporary, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!out)
     return false;
   TemporaryFileRemover remover(temporary);
   ::fchmod(out.get(), mode);  // best effort: the values matter more than the mode
   if (!writeAll(out.get(), bytes) || ::fsync(out.get()) != 0 || !out.close())
     return false;
-  if (::rename(temporary.c_str(), path.c_str()) != 0)
+  if (injectedFailure(FileOperation::RegistryRename) ||
+      ::rename(temporary.c_str(), path.c_str()) != 0)
     return false;
   remover.renamed();
   syncDirectory(directoryOf(path));
@@ -110,7 +121,7 @@ bool replaceFile(const std::string &path, const std::string &bytes) {
 bool readRegistryFile(const std::string &path, std::string &bytes) {
   bytes.clear();
   // Non-blocking, so that a FIFO in the file's place is refused instead of waited on.
-  UniqueFd in(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  UniqueFd in(openFile(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!in)
     return errno == ENOENT;
   struct stat status;

@@ -2,11 +2,16 @@
 #include "FileStatus.h"
 
 #include "Files.h"
+#include "FilesFaults.h"
 
 #include <cerrno>
 #include <sys/stat.h>
 
 namespace {
+
+int statPath(const char *path, struct stat &status) {
+  return injectedFailure(FileOperation::StatPath) ? -1 : ::stat(path, &status);
+}
 
 DWORD attributesOf(const struct stat &status) {
   return S_ISDIR(status.st_mode) ? DWORD{FILE_ATTRIBUTE_DIRECTORY} : DWORD{FILE_ATTRIBUTE_NORMAL};
@@ -16,7 +21,7 @@ DWORD attributesOf(const struct stat &status) {
 
 BOOL CFile::GetStatus(const char *path, CFileStatus &status) {
   struct stat found;
-  if (path == nullptr || ::stat(path, &found) != 0)
+  if (path == nullptr || statPath(path, found) != 0)
     return FALSE;
   // Times are 32-bit throughout the agent: keep the low 32 bits and read them as signed, so
   // that a time past 2038 wraps as it does in every stored record.
@@ -32,7 +37,7 @@ DWORD GetFileAttributesA(const char *name) {
     return INVALID_FILE_ATTRIBUTES;
   }
   struct stat found;
-  if (::stat(name, &found) != 0) {
+  if (statPath(name, found) != 0) {
     SetLastError(errorFromErrno(errno));
     return INVALID_FILE_ATTRIBUTES;
   }

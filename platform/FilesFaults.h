@@ -1,5 +1,6 @@
 // Fault injection for tests: makes the next calls of one system operation behind the file,
-// mapping and listing stand-ins fail as if the system had refused them.
+// mapping, listing and status stand-ins, the zone's source and the registry file fail as if
+// the system had refused them.
 //
 // Armed per thread, so a test never disturbs work on another thread. Production code never
 // arms anything; an unarmed check costs one thread-local read.
@@ -10,6 +11,11 @@ enum class FileOperation {
   MapView,        // the mmap of MapViewOfFile
   OpenDirectory,  // the opening of the directory in FindFirstFileA
   ReadDirectory,  // each read of a directory entry in FindFirstFileA
+  StatPath,       // each stat of a path: status, attributes, icons, the zone, the registry
+  RegistryOpen,   // each open a registry read or write makes
+  RegistryWrite,  // each write of the registry's new text
+  RegistryRename, // the rename that puts the registry's new file in place
+  RegistryLock,   // the lock that registry writers take
   Count
 };
 

@@ -2,6 +2,8 @@
 // gets an index of its own the first time it is asked for.
 #include "Shell.h"
 
+#include "FilesFaults.h"
+
 #include <climits>
 #include <cstdlib>
 #include <map>
@@ -41,7 +43,8 @@ DWORD_PTR SHGetFileInfoA(const char *path, DWORD, SHFILEINFOA *info, UINT infoSi
     return 0;
   }
   struct stat status;
-  if (stat(path, &status) != 0 || !S_ISREG(status.st_mode))
+  if (injectedFailure(FileOperation::StatPath) || stat(path, &status) != 0 ||
+      !S_ISREG(status.st_mode))
     return 0;
   std::map<std::string, int> &indices = imageList();
   const int next = static_cast<int>(indices.size()) + 1;

@@ -1,6 +1,8 @@
 // The C library's time zone.
 #include "TimeZone.h"
 
+#include "FilesFaults.h"
+
 #include <cstdlib>
 #include <sys/stat.h>
 
@@ -34,7 +36,7 @@ ZoneSource ZoneSource::now() {
     return source;
   }
   struct stat status;
-  if (::stat("/etc/localtime", &status) == 0) {
+  if (!injectedFailure(FileOperation::StatPath) && ::stat("/etc/localtime", &status) == 0) {
     source.device = status.st_dev;
     source.inode = status.st_ino;
     source.written = status.st_mtime;

@@ -5,6 +5,7 @@
 #include "platform/FaultGuard.h"
 #include "platform/FileStatus.h"
 #include "store/ByteSearch.h"
+#include "store/DelimiterScan.h"
 #include "store/MailMsg.h"
 
 #include <cstring>
@@ -121,32 +122,22 @@ int CMailFile::scanFrom(uint32_t offset) {
   const unsigned char *const base = mapBase.get();
   const unsigned char *const pattern = delimiter.get();
   const uint32_t patternLength = delimiterLength;
-  msgOffset = offset;
-  uint32_t end = fileSize;
-  uint32_t pos = offset;
+  if (patternLength == 0) {
+    msgOffset = offset;
+    msgLength = fileSize - offset;
+    return 0;
+  }
   // Look for two rare bytes of the delimiter together, not its first byte alone: Eudora's 'F'
   // stands every 64 bytes of a base64 attachment and Pegasus's line feed on every line, while
   // "?..@" and LF 0x1A hardly ever do. Only where both stand is the whole delimiter compared.
-  const BytePair &pair = delimiter.pair();
   // A delimiter counts only with at least one byte of the file behind it.
-  while (patternLength != 0 && uint64_t{pos} + patternLength < fileSize) {
-    const uint32_t lastStart = fileSize - patternLength - 1;
-    pos = findPair(base, pos, lastStart, pair);
-    if (pos == kByteNotFound)
-      break;
-    if (std::memcmp(base + pos, pattern, patternLength) != 0) {
-      ++pos;
-      continue;
-    }
-    if (pos != msgOffset) {
-      end = pos;  // the delimiter of the next message
-      break;
-    }
-    // The delimiter in front of this message: the message starts behind it.
-    msgOffset += patternLength;
-    pos = msgOffset;
-  }
-  msgLength = end - msgOffset;
+  const MessageFrame frame = frameMessage(
+      base, fileSize, offset, patternLength, delimiter.pair(), [&](uint32_t pos, uint32_t &behind) {
+        behind = pos + patternLength;
+        return std::memcmp(base + pos, pattern, patternLength) == 0;
+      });
+  msgOffset = frame.offset;
+  msgLength = frame.length;
   return 0;
 }
 
