@@ -6,8 +6,8 @@
 #   scripts/lint.sh           both, with one clang-tidy per core
 #   scripts/lint.sh -j 2      with two
 #
-# The fuzz targets and the benchmarks are not in the default build, so clang-tidy skips them;
-# so does it the sources the build generates.
+# The fuzz targets and the benchmarks are not in the default build, so clang-tidy skips them,
+# and the sources that the build generates too.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -25,14 +25,13 @@ scripts/format.sh --check || formatted=0
 
 echo "-- clang-tidy"
 build_dir=build/default
-[ -f "$build_dir/compile_commands.json" ] || cmake --preset default >/dev/null
+cmake --preset default >/dev/null # keeps the list of translation units current
 
 root=$(pwd)
 mapfile -t units < <(sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' "$build_dir/compile_commands.json" |
-                     grep "^$root/" | grep -v "^$root/build/" | sort)
+                     grep -F "$root/" | grep -vF "$root/build/" | sort)
 
-# The build uses g++: its warning options may be unknown to clang, and clang's own warnings
-# are the fuzz build's business (-Werror would turn them into findings here).
+# The build uses g++, whose warning options clang may not know.
 extra_args=(-extra-arg=-Wno-unknown-warning-option)
 log="$build_dir/clang-tidy.log"
 status=0
