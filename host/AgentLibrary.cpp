@@ -45,7 +45,7 @@ std::string programDirectory() {
 }
 
 std::string agentDirectory() {
-  const std::string here = programDirectory();
+  std::string here = programDirectory();
   struct stat status;
   if (stat((here + "/tuk_mhmail.so").c_str(), &status) == 0)
     return here;

@@ -27,7 +27,7 @@ std::string sizeText(uint64_t bytes) {
   char text[32];
   if (bytes < 1024)
     std::snprintf(text, sizeof text, "%llu bytes", static_cast<unsigned long long>(bytes));
-  else if (bytes < 1024 * 1024)
+  else if (bytes < uint64_t{1024} * 1024)
     std::snprintf(text, sizeof text, "%.1f KB", static_cast<double>(bytes) / 1024);
   else
     std::snprintf(text, sizeof text, "%.1f MB", static_cast<double>(bytes) / (1024 * 1024));

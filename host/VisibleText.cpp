@@ -12,6 +12,7 @@ std::string visibleText(std::string_view text) {
     const size_t valid = validUtf8Prefix(text);
     for (size_t i = 0; i < valid; ++i) {
       const unsigned char c = static_cast<unsigned char>(text[i]);
+      // NOLINTNEXTLINE(bugprone-branch-clone): kept whitespace is not escaped below
       if (c == '\n' || c == '\t' || (c == '\r' && i + 1 < valid && text[i + 1] == '\n')) {
         shown += static_cast<char>(c);
       } else if (c < 0x20 || c == 0x7F) {

@@ -114,9 +114,7 @@ HMODULE LoadLibraryA(const char *name) {
   const void *anchor = dlinfo(library.get(), RTLD_DI_LINKMAP, &map) == 0 ? map->l_ld : nullptr;
   const auto *resources =
       static_cast<const ResourceTable *>(dlsym(library.get(), TUK_RESOURCE_SYMBOL));
-  std::unique_ptr<CModule> module(new CModule{resources, anchor, library.get()});
-  library.release();  // the module owns the handle now, until FreeLibrary
-  return module.release();
+  return new CModule{resources, anchor, library.release()}; // owns the handle until FreeLibrary
 }
 
 BOOL FreeLibrary(HMODULE module) {

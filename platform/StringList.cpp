@@ -45,5 +45,5 @@ void CStringList::RemoveAt(POSITION position) {
 
 void CStringList::RemoveAll() {
   while (head_)
-    RemoveAt(head_);
+    RemoveAt(head_); // NOLINT(clang-analyzer-cplusplus.NewDelete): the head has no prev
 }

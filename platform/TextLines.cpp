@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr size_t kChunk = 64 * 1024;
+constexpr size_t kChunk = size_t{64} * 1024;
 
 bool deliver(std::string &line, const std::function<bool(const std::string &)> &visit) {
   if (!line.empty() && line.back() == '\r')

@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ g++-multilib clang libclang-rt-14-dev binutils
           libgtest-dev libbenchmark-dev libsqlite3-dev tzdata pkg-config
-          libgmime-3.0-dev libgumbo-dev libxxhash-dev)
+          libgmime-3.0-dev libgumbo-dev libxxhash-dev clang-format-14 clang-tidy-14)
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||

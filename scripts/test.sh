@@ -1,12 +1,15 @@
 #!/usr/bin/env bash
-# Builds and runs every test: the release build, the sanitizer build (ASan and UBSan), a
-# short run of every fuzz target, and the 32-bit build of the libraries, whose binary layouts
-# are checked while it compiles.
+# Checks the formatting and runs clang-tidy (scripts/lint.sh), then builds and runs every test:
+# the release build, the sanitizer build (ASan and UBSan), a short run of every fuzz target, and
+# the 32-bit build of the libraries, whose binary layouts are checked while it compiles.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
 
 jobs=$(nproc)
+echo "== lint"
+scripts/lint.sh -j "$jobs"
+
 for preset in default asan; do
   echo "== $preset"
   cmake --preset "$preset" >/dev/null

@@ -31,7 +31,7 @@ void CClientPropPage::DoDataExchange(CDataExchange *dx) {
 }
 
 BOOL CClientPropPage::OnInitDialog() {
-  CDialog::OnInitDialog(); // the data exchange puts the loaded flag into the box
+  CPropPage::OnInitDialog(); // the data exchange puts the loaded flag into the box
   mailEdit.SetWindowTextA(mailPath);
   exeEdit.SetWindowTextA(exePath);
   if (traits_.attachBox)

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr time_t kDay = 24 * 60 * 60;
+constexpr time_t kDay = time_t{24} * 60 * 60;
 
 // What is known of the zone's offset around one day: steady when it is the same at the
 // starts of the day before, the day itself, the day after and the one after that. Every

@@ -54,5 +54,7 @@ std::unique_ptr<CMailMsg> CMailIndex::getMsgIn(const CString &name, uint32_t off
 }
 
 std::unique_ptr<CString> CMailIndex::currentMailbox() const {
-  return mailFile ? mailFile->getFileName() : std::make_unique<CString>();
+  if (!mailFile)
+    return std::make_unique<CString>();
+  return mailFile->getFileName();
 }

@@ -12,7 +12,7 @@
 #include <strings.h>
 
 namespace {
-constexpr size_t kPiece = 64 * 1024;
+constexpr size_t kPiece = size_t{64} * 1024;
 } // namespace
 
 TransferDecoder::TransferDecoder(std::string_view encoding) {

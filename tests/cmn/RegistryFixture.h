@@ -13,7 +13,7 @@
 // Sets an environment variable, or removes it with nullopt, until the end of the scope.
 class ScopedEnvironment {
 public:
-  ScopedEnvironment(const char *name, std::optional<std::string> value) : name_(name) {
+  ScopedEnvironment(const char *name, const std::optional<std::string> &value) : name_(name) {
     if (const char *old = std::getenv(name))
       old_ = old;
     apply(value);

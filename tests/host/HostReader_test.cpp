@@ -89,9 +89,10 @@ TEST_F(HostReaderTest, CatShowsTheReadersViewAndRawTheAgentsBytes) {
   const std::string id = std::to_string(only("narwhal").numbers["id"]);
   const HostResult view = host({"cat", id});
   ASSERT_EQ(view.status, 0) << view.err;
-  for (const char *shown : {"From: Mixed <mixed@example.org>\n", "Subject: alternative with "
-                            "attachment\n", "The plain narwhal.", "Subject: the forwarded pangolin",
-                            "[attachment] Résumé.pdf  application/pdf  200 bytes"})
+  for (const char *shown :
+       {"From: Mixed <mixed@example.org>\n", "Subject: alternative with attachment\n",
+        "The plain narwhal.", "Subject: the forwarded pangolin",
+        "[attachment] Résumé.pdf  application/pdf  200 bytes"})
     EXPECT_NE(view.out.find(shown), std::string::npos) << shown << "\n" << view.out;
   EXPECT_EQ(view.out.find("walrus"), std::string::npos);
   EXPECT_EQ(view.out.find("--outer"), std::string::npos);

@@ -13,7 +13,7 @@ time_t localTime(int year, int month, int day) {
   return mktime(&fields);
 }
 
-const time_t kNow = localTime(1998, 3, 14) + 12 * 3600; // noon, 14 March 1998
+const time_t kNow = localTime(1998, 3, 14) + time_t{12} * 3600; // noon, 14 March 1998
 
 TEST(QueryParserTest, WordsOperatorsAndFieldsBecomeOneQuotedExpression) {
   const struct {

@@ -4,6 +4,7 @@
 // end cleanly.
 //
 // The fuzz targets are compiled in here as they are, each under a name of its own.
+// NOLINTBEGIN(bugprone-suspicious-include)
 #include "fuzz/FuzzAgent.cpp"
 #include "fuzz/FuzzSupport.cpp"
 
@@ -26,6 +27,7 @@
 #define LLVMFuzzerTestOneInput checkIni
 #include "fuzz/ini_fuzz.cpp"
 #undef LLVMFuzzerTestOneInput
+// NOLINTEND(bugprone-suspicious-include)
 
 #include "tests/support/TestFiles.h"
 

@@ -56,7 +56,7 @@ int formatIntoSmallBuffer(uint32_t, const char *, int, const char *format, ...) 
 class PathologicalTest : public ::testing::Test {
 protected:
   std::string box(const std::string &bytes) {
-    const std::string path = dir.file("box");
+    std::string path = dir.file("box");
     writeFile(path, bytes);
     return path;
   }

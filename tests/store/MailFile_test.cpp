@@ -167,7 +167,7 @@ TEST(ScanFormat, AgreesWithSscanfOnRandomLines) {
     for (size_t i = 0; i < length; ++i)
       line += alphabet[random() % alphabet.size()];
     if (round % 2)
-      line = kLine.substr(0, random() % kLine.size()) + line;
+      line.insert(0, kLine, 0, random() % kLine.size());
     char words[3][200];
     int numbers[5];
     const int expected = std::sscanf(line.c_str(), "From %199s %199s %199s %d %d:%d:%d %d\n",
@@ -255,7 +255,8 @@ TEST_F(MailFileTest, EveryScanFramesAsThePlaceByPlaceReference) {
 
 TEST_F(MailFileTest, AMailboxCutShortUnderItsMappingFailsThatMessageOnly) {
   const std::string path = dir.file("In.mbx");
-  writeFile(path, std::string(3 * 4096, 'a') + kEudora + std::string(5 * 4096, 'b'));
+  writeFile(path,
+            std::string(size_t{3} * 4096, 'a') + kEudora + std::string(size_t{5} * 4096, 'b'));
   CEudoraMailFile file;
   ASSERT_EQ(0, file.init(CString(path.c_str())));
   ASSERT_EQ(0, truncate(path.c_str(), 4096));
