@@ -139,8 +139,9 @@ def main():
     if not product_tree_clean():
         sys.exit("mutate: store/, clients/, agent/ or settings/ has uncommitted changes")
 
-    signal.signal(signal.SIGTERM, signal.default_int_handler)
-    signal.signal(signal.SIGHUP, signal.default_int_handler)
+    # However stopped, the run restores the sources (SIGINT even in a background job).
+    for stop in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        signal.signal(stop, signal.default_int_handler)
     out = open(args.out, "w") if args.out else None
 
     def report(line):
