@@ -69,10 +69,3 @@ void emptyDir(const std::string &dir) {
   removeTree(dir);
   ::mkdir(dir.c_str(), 0700);
 }
-
-uint32_t referenceChecksum(const uint8_t *data, size_t size) {
-  uint32_t sum = 0;
-  for (size_t i = 0; i < size; ++i)
-    sum ^= static_cast<uint32_t>(data[i]) << (8 * (i % 4));
-  return sum;
-}

@@ -31,6 +31,3 @@ bool writeBytes(const std::string &path, const uint8_t *data, size_t size);
 
 // Removes everything below `dir`, leaving `dir` itself.
 void emptyDir(const std::string &dir);
-
-// The checksum a host expects, a byte at a time: byte i XORed in at shift 8 * (i mod 4).
-uint32_t referenceChecksum(const uint8_t *data, size_t size);

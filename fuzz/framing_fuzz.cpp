@@ -4,6 +4,7 @@
 //
 // Built once per client; FUZZ_MAIL_FILE names the client's mail file class.
 #include "fuzz/FuzzSupport.h"
+#include "tests/support/Reference.h"
 
 #include "clients/Delimiters.h"
 #include "clients/Eudora.h"

@@ -2,6 +2,7 @@
 #include "cmn/Registry.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/LoadedAgent.h"
+#include "tests/support/Reference.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>

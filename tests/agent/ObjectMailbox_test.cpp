@@ -2,6 +2,7 @@
 // between two opens, each open sees the file as it is then.
 #include "tests/support/HostWalk.h"
 #include "tests/support/LoadedAgent.h"
+#include "tests/support/Reference.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>

@@ -7,6 +7,7 @@
 #include "tests/support/ClientStores.h"
 #include "tests/support/HostWalk.h"
 #include "tests/support/LoadedAgent.h"
+#include "tests/support/Reference.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 // show, cat, and the runs after one mailbox changed.
 #include "tests/support/ClientStores.h"
 #include "tests/host/HostFixture.h"
-#include "tests/support/LoadedAgent.h"
+#include "tests/support/Reference.h"
 
 #include <gtest/gtest.h>
 

@@ -4,6 +4,7 @@
 #include "tests/settings/SettingsFixture.h"
 
 #include "tests/support/ClientStores.h"
+#include "tests/support/Reference.h"
 
 #include <algorithm>
 #include <cctype>

@@ -6,12 +6,11 @@
 #include "store/FieldSearch.h"
 #include "store/MailMsg.h"
 #include "store/VectorWidth.h"
-#include "tests/support/LoadedAgent.h"
+#include "tests/support/Reference.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <random>
 #include <string>
@@ -123,10 +122,6 @@ TEST(FindLineEnd, AgreesWithAByteLoop) {
   }
 }
 
-uint32_t referenceChecksum(const unsigned char *bytes, size_t length) {
-  return ::referenceChecksum(std::string(bytes, bytes + length));
-}
-
 TEST(ChecksumKernels, CopyAndSumAgreeWithByteAtATimeAtEveryLengthAndAlignment) {
   EachWidth each;
   for (const VectorWidth width : each.widths()) {
@@ -161,25 +156,6 @@ TEST(ChecksumKernels, APartTurnedByItsOffsetJoinsTheWhole) {
   }
 }
 
-// The header block's end as its definition reads: two CRs, or two LFs, counted without
-// regard to the other kind, any other byte setting both counts back.
-uint32_t referenceHeaderLength(const Bytes &bytes) {
-  const auto length = static_cast<uint32_t>(bytes.size());
-  uint32_t returns = 0, feeds = 0;
-  for (uint32_t i = 0; i < length; ++i) {
-    if (bytes[i] == '\n') {
-      if (++feeds >= 2)
-        return i + 1;
-    } else if (bytes[i] == '\r') {
-      if (++returns >= 2)
-        return (i + 1 < length && bytes[i + 1] == '\n') ? i + 2 : i + 1;
-    } else {
-      returns = feeds = 0;
-    }
-  }
-  return length;
-}
-
 TEST(HeaderLength, AgreesWithTheByteByByteScan) {
   EachWidth each;
   for (const VectorWidth width : each.widths()) {
@@ -191,24 +167,10 @@ TEST(HeaderLength, AgreesWithTheByteByByteScan) {
           randomBytes(random, random() % 150, round % 3 ? "\r\na" : "abcdefghijklmnopqrstuv\r\n");
       // The range may end before the bytes do: what lies behind it must not count.
       const auto length = static_cast<uint32_t>(random() % (bytes.size() + 1));
-      ASSERT_EQ(referenceHeaderLength(Bytes(bytes.begin(), bytes.begin() + length)),
+      ASSERT_EQ(referenceHeaderLength(bytes.data(), length),
                 probe.getHeaderLength(bytes.data(), length));
     }
   }
-}
-
-// findField's definition: the first place where the whole name stands, case aside.
-int32_t referenceFindField(const std::string &name, const Bytes &block, uint32_t searchLength) {
-  if (searchLength == 0 || name.size() > searchLength)
-    return -1;
-  for (uint32_t i = 0; i + name.size() <= searchLength; ++i) {
-    bool same = true;
-    for (size_t j = 0; j < name.size() && same; ++j)
-      same = std::tolower(block[i + j]) == std::tolower(static_cast<unsigned char>(name[j]));
-    if (same)
-      return static_cast<int32_t>(i + name.size() + 1);
-  }
-  return -1;
 }
 
 TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
@@ -236,7 +198,7 @@ TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
       findFields(pointers.data(), static_cast<int>(names.size()), block.data(), searchLength,
                  indexes.data());
       for (size_t k = 0; k < names.size(); ++k)
-        ASSERT_EQ(referenceFindField(names[k], block, searchLength), indexes[k]) << k;
+        ASSERT_EQ(referenceFieldStart(names[k], block.data(), searchLength), indexes[k]) << k;
     }
   }
 }

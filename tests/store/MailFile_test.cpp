@@ -11,7 +11,7 @@
 #include "clients/ScanFormat.h"
 #include "store/VectorWidth.h"
 #include "tests/support/AgentSession.h"
-#include "tests/support/LoadedAgent.h"
+#include "tests/support/Reference.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>

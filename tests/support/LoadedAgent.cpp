@@ -57,10 +57,3 @@ bool CapturedLog::contains(const std::string &text) {
       return true;
   return false;
 }
-
-uint32_t referenceChecksum(const std::string &bytes) {
-  uint32_t sum = 0;
-  for (size_t i = 0; i < bytes.size(); ++i)
-    sum ^= static_cast<uint32_t>(static_cast<unsigned char>(bytes[i])) << (8 * (i % 4));
-  return sum;
-}

@@ -31,6 +31,3 @@ struct CapturedLog {
   static std::vector<std::string> &lines();
   static bool contains(const std::string &text);
 };
-
-// The checksum a host expects: byte i XORed in at shift 8 * (i mod 4).
-uint32_t referenceChecksum(const std::string &bytes);
