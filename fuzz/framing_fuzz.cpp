@@ -78,6 +78,6 @@ template <class MailFile> int checkFraming(const uint8_t *data, size_t size) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   return checkFraming<FUZZ_MAIL_FILE>(data, size);
 }

@@ -21,7 +21,7 @@ const char kDefault[] = "(default)";
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   if (size < 2 || size > 1u << 20)
     return 0;
   static const std::string path = scratchDir() + "/eudora.ini";

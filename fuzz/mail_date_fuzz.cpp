@@ -16,7 +16,7 @@ bool within(int32_t value, int32_t low, int32_t high) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   bringAgentUp();
   if (size > 4096)
     return 0;

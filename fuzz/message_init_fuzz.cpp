@@ -24,7 +24,7 @@ std::string referenceField(const CString &name, const uint8_t *data, uint32_t he
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   bringAgentUp();
   if (size > 1u << 20)
     return 0;

@@ -101,7 +101,7 @@ std::string extensionOf(const std::string &path) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   bringAgentUp();
   if (size == 0 || size > 8192)
     return 0;

@@ -39,7 +39,7 @@ bool engineReads(const std::string &expression) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const std::string text(reinterpret_cast<const char *>(data), size);
   ParsedQuery query;
   QueryError error;

@@ -70,7 +70,7 @@ size_t bodyStart(std::string_view input) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const std::string_view input(reinterpret_cast<const char *>(data), size);
   const size_t split = bodyStart(input);
   ReadMessage message;

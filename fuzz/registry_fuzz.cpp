@@ -104,7 +104,7 @@ std::string fileText(const std::string &path) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   static const std::string path = [] {
     const std::string file = scratchDir() + "/registry.reg";
     ::setenv("TUK_REGISTRY", file.c_str(), 1);
