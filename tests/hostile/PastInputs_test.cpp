@@ -23,7 +23,9 @@ struct Target {
   int (*check)(const uint8_t *data, size_t size);
 };
 
-void PrintTo(const Target &target, std::ostream *out) { *out << target.name; }
+void PrintTo(const Target &target, std::ostream *out) {
+  *out << target.name;
+}
 
 #define FUZZ_TARGET(name) {#name, fuzz_##name},
 const Target kTargets[] = {TUK_FUZZ_TARGETS};
