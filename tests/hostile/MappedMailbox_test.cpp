@@ -2,7 +2,7 @@
 // agent holds it: a search that holds it mapped goes on, a record kept from before opens only
 // while its bytes stand, an object already open reads on, a new walk sees the mailbox as it is
 // now, and nothing takes the host down.
-#include "tests/hostile/HostileStore.h"
+#include "tests/support/AgentStore.h"
 
 #include <gtest/gtest.h>
 
@@ -84,10 +84,10 @@ const Change kChanges[] = {
      StatusMailFileFailed, 1, 1, true, 1},
 };
 
-class MappedMailboxTest : public HostileStoreTest {
+class MappedMailboxTest : public AgentStoreTest {
 protected:
   void SetUp() override {
-    HostileStoreTest::SetUp();
+    AgentStoreTest::SetUp();
     box = mail + "/A.mbx";
     writeFile(box, bigMailbox("a", 8));
     writeFile(mail + "/A.toc", "");

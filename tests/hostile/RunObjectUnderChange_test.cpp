@@ -1,7 +1,7 @@
 // RunObject while the mailbox changes: the View Email window shows the message as it was
 // found, whatever becomes of the mailbox while the person reads it, and a record whose bytes
 // have changed or gone gets the box that asks for a reindex.
-#include "tests/hostile/HostileStore.h"
+#include "tests/support/AgentStore.h"
 
 #include "resources/resource.h"
 #include "tests/platform/ScriptedUser.h"
@@ -15,10 +15,10 @@
 
 namespace {
 
-class RunObjectUnderChangeTest : public HostileStoreTest {
+class RunObjectUnderChangeTest : public AgentStoreTest {
 protected:
   void SetUp() override {
-    HostileStoreTest::SetUp();
+    AgentStoreTest::SetUp();
     box = mail + "/In.mbx";
     writeFile(box, eudoraMessage("one", "First body.\r\n") + eudoraMessage("two", "Second.\r\n"));
     writeFile(mail + "/In.toc", "");

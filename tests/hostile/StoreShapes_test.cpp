@@ -1,7 +1,7 @@
 // Stores of hostile shapes: links that loop, trees too deep, a crowded folder, names no mail
 // client would choose, a mailbox over 4 GiB, a folder or a pipe where a mail file should be,
 // and folders or mailboxes the agent may not read.
-#include "tests/hostile/HostileStore.h"
+#include "tests/support/AgentStore.h"
 #include "tests/hostile/Watchdog.h"
 
 #include "cmn/Registry.h"
@@ -29,7 +29,7 @@ std::vector<std::string> pathsOf(const StoreWalk &found) {
   return paths;
 }
 
-class StoreShapesTest : public HostileStoreTest {
+class StoreShapesTest : public AgentStoreTest {
 protected:
   void mailbox(const std::string &stem, const std::string &bytes = eudoraMessage("x")) {
     writeFile(mail + "/" + stem + ".mbx", bytes);

@@ -1,5 +1,5 @@
-// The damaged-store fixture: a private registry and the loaded agent.
-#include "tests/hostile/HostileStore.h"
+// The agent's store fixture: a private registry and the loaded agent.
+#include "tests/support/AgentStore.h"
 
 #include "cmn/Registry.h"
 
@@ -13,23 +13,23 @@ std::string eudoraMessage(const std::string &subject, const std::string &body) {
          body;
 }
 
-void HostileStoreTest::SetUp() {
+void AgentStoreTest::SetUp() {
   setenv("TUK_REGISTRY", dir.file("registry.reg").c_str(), 1);
   setenv("TZ", "UTC", 1);
-  mail = dir.file("mail");
   makeDirs(mail);
   startAgent(kEudoraKey);
 }
 
-void HostileStoreTest::TearDown() {
+void AgentStoreTest::TearDown() {
   if (started_)
     entries().terminateAgent();
 }
 
-void HostileStoreTest::startAgent(const char *key, LogSink sink) {
+AgentResult AgentStoreTest::startAgent(const std::string &key, LogSink sink,
+                                       const std::string &language) {
   if (started_)
     entries().terminateAgent();
-  ASSERT_NE(0, SetRegValue(key, "MailPath", CString(mail.c_str())));
-  agent_.init(key, "EN", sink);
+  EXPECT_NE(0, SetRegValue(key.c_str(), "MailPath", CString(mail.c_str())));
   started_ = true;
+  return agent_.init(key, language, sink);
 }
