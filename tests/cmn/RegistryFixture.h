@@ -2,37 +2,10 @@
 #pragma once
 
 #include "cmn/Registry.h"
+#include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <optional>
-#include <string>
-
-// Sets an environment variable, or removes it with nullopt, until the end of the scope.
-class ScopedEnvironment {
-public:
-  ScopedEnvironment(const char *name, std::optional<std::string> value) : name_(name) {
-    if (const char *old = std::getenv(name))
-      old_ = old;
-    apply(value);
-  }
-  ScopedEnvironment(const ScopedEnvironment &) = delete;
-  ScopedEnvironment &operator=(const ScopedEnvironment &) = delete;
-  ~ScopedEnvironment() { apply(old_); }
-
-private:
-  void apply(const std::optional<std::string> &value) {
-    if (value)
-      setenv(name_, value->c_str(), 1);
-    else
-      unsetenv(name_);
-  }
-
-  const char *name_;
-  std::optional<std::string> old_;
-};
 
 class RegistryTest : public ::testing::Test {
 protected:

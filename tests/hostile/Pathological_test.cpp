@@ -60,13 +60,6 @@ protected:
     writeFile(path, bytes);
     return path;
   }
-  static std::string repeated(const std::string &unit, size_t times) {
-    std::string bytes;
-    bytes.reserve(unit.size() * times);
-    for (size_t at = 0; at < times; ++at)
-      bytes += unit;
-    return bytes;
-  }
 
   AgentSession session;
   TempDir dir;

@@ -2,6 +2,7 @@
 #include "host/reader/HtmlText.h"
 
 #include "host/reader/Charset.h"
+#include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -13,14 +14,6 @@ std::string textOf(std::string_view html) {
   std::string out;
   appendHtmlText(html, out);
   return out;
-}
-
-std::string repeat(std::string_view piece, size_t times) {
-  std::string s;
-  s.reserve(piece.size() * times);
-  while (times-- > 0)
-    s += piece;
-  return s;
 }
 
 TEST(HtmlText, Conversions) {
@@ -54,15 +47,15 @@ TEST(HtmlText, Conversions) {
 }
 
 TEST(HtmlText, HostileShapesReturnValidText) {
-  const std::string fiveMegabytes = repeat("words & \xFF\xC3 < ", (5 << 20) / 13);
+  const std::string fiveMegabytes = repeated("words & \xFF\xC3 < ", (5 << 20) / 13);
   const std::string cases[] = {
-      repeat("<div>", 1000000) + "end",
-      repeat("<b><i>", 500000) + "end",
-      repeat("<table><tr><td>", 300000) + "end",
-      repeat("<div><table></div>", 300000) + "end",
-      repeat("<p><b a=1><b a=2><b a=3></p>x", 200000) + "end",
-      repeat("<ul><li>", 400000) + "end",
-      repeat("<div></div>", 1000000) + "end",
+      repeated("<div>", 1000000) + "end",
+      repeated("<b><i>", 500000) + "end",
+      repeated("<table><tr><td>", 300000) + "end",
+      repeated("<div><table></div>", 300000) + "end",
+      repeated("<p><b a=1><b a=2><b a=3></p>x", 200000) + "end",
+      repeated("<ul><li>", 400000) + "end",
+      repeated("<div></div>", 1000000) + "end",
       "<p><a href='" + fiveMegabytes,
       "<!--" + fiveMegabytes,
       "<pre>" + fiveMegabytes,

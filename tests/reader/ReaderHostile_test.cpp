@@ -39,14 +39,6 @@ ReadMessage read(std::string_view whole) {
   return message;
 }
 
-std::string repeated(std::string_view unit, size_t times) {
-  std::string bytes;
-  bytes.reserve(unit.size() * times);
-  for (size_t at = 0; at < times; ++at)
-    bytes += unit;
-  return bytes;
-}
-
 struct KeptSample {
   const char *file;
   const char *kept; // found in the text, or in the header fields for a header-only sample

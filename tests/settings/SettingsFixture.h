@@ -6,7 +6,7 @@
 #include "resources/resource.h"
 #include "cmn/Registry.h"
 #include "platform/WinTypes.h"
-#include "tests/cmn/RegistryFixture.h"
+#include "tests/support/ScopedEnvironment.h"
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/LoadedAgent.h"

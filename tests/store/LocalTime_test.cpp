@@ -2,34 +2,11 @@
 // and without daylight saving, across their changes and for fields out of range.
 #include "store/LocalTime.h"
 
+#include "tests/support/ScopedEnvironment.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <string>
-
 namespace {
-
-// Sets TZ for one test and puts the old value back.
-class ZoneScope {
-public:
-  explicit ZoneScope(const char *zone) {
-    if (const char *old = std::getenv("TZ"))
-      saved_ = old, hadZone_ = true;
-    ::setenv("TZ", zone, 1);
-    refreshTimeZone();
-  }
-  ~ZoneScope() {
-    if (hadZone_)
-      ::setenv("TZ", saved_.c_str(), 1);
-    else
-      ::unsetenv("TZ");
-    refreshTimeZone();
-  }
-
-private:
-  std::string saved_;
-  bool hadZone_ = false;
-};
 
 time_t viaMktime(struct tm fields) {
   fields.tm_isdst = -1;
@@ -51,7 +28,7 @@ class LocalTimeTest : public ::testing::TestWithParam<const char *> {};
 
 // Every quarter hour of two years holds each zone's changes of offset, gaps and overlaps.
 TEST_P(LocalTimeTest, EqualsMktimeThroughTwoYearsOfChanges) {
-  const ZoneScope zone(GetParam());
+  const ScopedEnvironment zone("TZ", GetParam(), refreshTimeZone);
   int differences = 0;
   for (int year : {96, 124}) {
     for (int day = 1; day <= 366; ++day) {
@@ -67,7 +44,7 @@ TEST_P(LocalTimeTest, EqualsMktimeThroughTwoYearsOfChanges) {
 
 // A message's fields need not be in range: they are normalised as mktime normalises them.
 TEST_P(LocalTimeTest, EqualsMktimeForFieldsOutOfRange) {
-  const ZoneScope zone(GetParam());
+  const ScopedEnvironment zone("TZ", GetParam(), refreshTimeZone);
   const struct tm cases[] = {
       fieldsOf(71, 1, 1, 0, 0, 0),      fieldsOf(70, 0, 1, 0, 0, 0),
       fieldsOf(69, 11, 31, 23, 59, 59), fieldsOf(138, 0, 19, 3, 14, 8),
@@ -95,11 +72,11 @@ TEST(LocalTime, FollowsTheZoneFromTheNextRefresh) {
   const struct tm noon = fieldsOf(124, 5, 1, 12, 0, 0);
   time_t inBerlin, inNewYork;
   {
-    const ZoneScope zone("Europe/Berlin");
+    const ScopedEnvironment zone("TZ", "Europe/Berlin", refreshTimeZone);
     inBerlin = localTimeToSeconds(noon);
   }
   {
-    const ZoneScope zone("America/New_York");
+    const ScopedEnvironment zone("TZ", "America/New_York", refreshTimeZone);
     inNewYork = localTimeToSeconds(noon);
   }
   EXPECT_EQ(6 * 3600, inNewYork - inBerlin);

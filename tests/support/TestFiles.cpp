@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <ftw.h>
 #include <sstream>
@@ -45,19 +46,19 @@ TempDir::~TempDir() {
 
 std::string TempDir::file(const std::string &relative) const { return path_ + "/" + relative; }
 
+std::string repeated(const std::string &unit, size_t times) {
+  std::string bytes;
+  bytes.reserve(unit.size() * times);
+  while (times-- > 0)
+    bytes += unit;
+  return bytes;
+}
+
 void makeDirs(const std::string &path) {
-  std::string partial;
-  std::stringstream parts(path);
-  std::string part;
-  if (!path.empty() && path[0] == '/')
-    partial = "/";
-  while (std::getline(parts, part, '/')) {
-    if (part.empty())
-      continue;
-    partial += part + "/";
-    if (mkdir(partial.c_str(), 0755) != 0 && errno != EEXIST)
-      ADD_FAILURE() << "mkdir " << partial << ": " << std::strerror(errno);
-  }
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  if (error)
+    ADD_FAILURE() << "mkdir " << path << ": " << error.message();
 }
 
 static void writeWithMode(const std::string &path, const std::string &bytes,

@@ -20,6 +20,9 @@ private:
   std::string path_;
 };
 
+// `unit`, `times` over.
+std::string repeated(const std::string &unit, size_t times);
+
 // Writes `bytes` to `path`, making missing parent folders. Fails the test on error.
 void writeFile(const std::string &path, const std::string &bytes);
 void appendFile(const std::string &path, const std::string &bytes);
