@@ -14,11 +14,10 @@
 #include <iterator>
 #include <memory>
 #include <random>
-#include <sqlite3.h>
-#include <unistd.h>
-#include <sys/wait.h>
-#include <fcntl.h>
 #include <csignal>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -87,6 +86,21 @@ std::string rowsMissingFrom(const std::vector<std::string> &a, const std::vector
   for (size_t i = 0; i < only.size() && i < 4; ++i)
     text += "  " + only[i].substr(0, 300) + "\n";
   return text + (only.size() > 4 ? "  (" + std::to_string(only.size()) + " in all)\n" : "");
+}
+
+// Makes an index anew at `fresh` by `index`, the arguments of a run whose --db is index[3],
+// and says what the index at index[3] lacks of it or holds beyond it; empty when both hold
+// the same.
+std::string differenceFromFresh(std::vector<std::string> index, const std::string &fresh) {
+  const std::string database = index[3];
+  fs::remove(fresh);
+  index[3] = fresh;
+  const HostResult made = runProgram(TUK_MHHOST, index);
+  if (made.status != 0)
+    return "a fresh index failed: " + made.err;
+  const std::vector<std::string> ours = indexRows(database), theirs = indexRows(fresh);
+  return ours == theirs ? "" : "only in the index kept up to date:\n" + rowsMissingFrom(ours, theirs) +
+                                  "only in a fresh index:\n" + rowsMissingFrom(theirs, ours);
 }
 
 // A message and the time on the delimiter line that Netscape writes ahead of it when it
@@ -280,9 +294,8 @@ protected:
     }
   }
 
-  HostResult index(const std::string &db) {
-    return runProgram(TUK_MHHOST,
-                      {"--registry", registry, "--db", db, "--client", client(), "index"});
+  std::vector<std::string> indexRun() const {
+    return {"--registry", registry, "--db", database, "--client", client(), "index"};
   }
 
   std::mt19937 generator;
@@ -313,102 +326,69 @@ TEST_P(HostModelTest, AnIndexKeptUpToDateEqualsAFreshOne) {
     while (step > 0 && (done = change(pick(11))).empty()) {
     }
     history += "  " + std::to_string(step) + ": " + done + "\n";
-    const HostResult kept = index(database);
+    const HostResult kept = runProgram(TUK_MHHOST, indexRun());
     ASSERT_EQ(0, kept.status) << kept.err;
-    fs::remove(fresh);
-    const HostResult made = index(fresh);
-    ASSERT_EQ(0, made.status) << made.err;
-
-    const std::vector<std::string> ours = indexRows(database), theirs = indexRows(fresh);
-    ASSERT_TRUE(ours == theirs) << "seed " << seed << ", " << client() << ", step " << step << " ("
-                                << done << ")\nonly in the index kept up to date:\n"
-                                << rowsMissingFrom(ours, theirs) << "only in a fresh index:\n"
-                                << rowsMissingFrom(theirs, ours) << "changes:\n"
-                                << history;
+    const std::string difference = differenceFromFresh(indexRun(), fresh);
+    ASSERT_TRUE(difference.empty()) << "seed " << seed << ", " << client() << ", step " << step
+                                    << " (" << done << ")\n"
+                                    << difference << "changes:\n"
+                                    << history;
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryClient, HostModelTest, ::testing::ValuesIn(kClientNames));
 
-// mhhost index started in a process of its own, to be killed.
-pid_t startIndex(const std::vector<std::string> &arguments) {
-  std::vector<std::string> all = {TUK_MHHOST};
-  all.insert(all.end(), arguments.begin(), arguments.end());
-  std::vector<char *> argv;
-  for (std::string &argument : all)
-    argv.push_back(&argument[0]);
-  argv.push_back(nullptr);
-  std::fflush(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
-    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-      dup2(null, fd);
-    setenv("TZ", "UTC", 1); // as runProgram runs it
-    execv(argv[0], argv.data());
-    _exit(127);
+// An Eudora store of three mailboxes of 700 notes each (a run commits each 2,000 messages:
+// once here), and the arguments of a run that indexes it.
+class HostKillTest : public HostFixture, public ::testing::Test {
+protected:
+  void SetUp() override {
+    for (int i = 0; i < 700; ++i)
+      messages.push_back({"1 Feb 1998 10:00:00 +0000", "ann@example.org", "bob@example.org", "",
+                          "note " + std::to_string(i), std::string(40, 'x') + " words\n"});
+    for (const char *stem : {"/In", "/Dir/Work", "/Dir/Old"})
+      writeMailbox("eudora", mail + stem, messages);
+    setRegistryValue("eudora", "MailPath", mail);
   }
-  return child;
-}
 
-// An Eudora store of three mailboxes of `count` notes each, and the command line that
-// indexes it.
-std::vector<std::string> writeNotes(HostFixture &host, std::vector<TestMessage> &messages,
-                                    int count) {
-  const std::string mail = host.dir.file("mail");
-  for (int i = 0; i < count; ++i)
-    messages.push_back({"1 Feb 1998 10:00:00 +0000", "ann@example.org", "bob@example.org", "",
-                        "note " + std::to_string(i), std::string(40, 'x') + " words\n"});
-  for (const char *stem : {"/In", "/Dir/Work", "/Dir/Old"})
-    writeMailbox("eudora", mail + stem, messages);
-  host.setRegistryValue("eudora", "MailPath", mail);
-  return {"--registry", host.registry, "--db", host.database, "--client", "eudora", "index"};
-}
+  const std::string mail = dir.file("mail"), fresh = dir.file("fresh.db");
+  const std::vector<std::string> index = {"--registry", registry, "--db",  database,
+                                          "--client",   "eudora", "index"};
+  std::vector<TestMessage> messages;
+};
 
 // Two runs at once: the second waits for the first, and the index is what one run makes.
-TEST(HostKillTest, TwoRunsAtOnceMakeWhatOneMakes) {
-  HostFixture host;
-  std::vector<TestMessage> messages;
-  const std::vector<std::string> index = writeNotes(host, messages, 700);
-  const pid_t first = startIndex(index);
+TEST_F(HostKillTest, TwoRunsAtOnceMakeWhatOneMakes) {
+  const pid_t first = startProgram(TUK_MHHOST, index);
   ASSERT_GT(first, 0);
   const HostResult second = runProgram(TUK_MHHOST, index);
   int status = 0;
   waitpid(first, &status, 0);
   EXPECT_EQ(0, second.status) << second.err;
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-  std::vector<std::string> freshIndex = index;
-  freshIndex[3] = host.dir.file("fresh.db");
-  ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
-  EXPECT_TRUE(indexRows(host.database) == indexRows(freshIndex[3]));
+  EXPECT_EQ("", differenceFromFresh(index, fresh));
 }
 
 // A run killed at any moment, before, between or after its commits, leaves an index that the
 // next run completes to what a fresh run makes: the first run of a store, and a run after it
 // changed.
-TEST(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
-  HostFixture host;
-  std::vector<TestMessage> messages;
-  // A run commits each 2,000 messages: once here.
-  const std::vector<std::string> index = writeNotes(host, messages, 700);
-  const std::string mail = host.dir.file("mail");
-  const std::string fresh = host.dir.file("fresh.db");
+TEST_F(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
   std::mt19937 generator(static_cast<unsigned>(environmentNumber("TUK_MODEL_SEED", 1)));
   // Kills fall anywhere in a whole first run, as long as it takes on this machine and build.
-  std::vector<std::string> freshIndex = index;
-  freshIndex[3] = fresh;
+  std::vector<std::string> freshRun = index;
+  freshRun[3] = fresh;
   const auto start = std::chrono::steady_clock::now();
-  ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
+  ASSERT_EQ(0, runProgram(TUK_MHHOST, freshRun).status);
   const auto span = std::chrono::duration_cast<std::chrono::microseconds>(
                         std::chrono::steady_clock::now() - start).count() + 1;
   for (int round = 0; round < 8; ++round) {
     if (round % 2 == 0) {
-      fs::remove(host.database); // a first run
+      fs::remove(database); // a first run
     } else {
       messages.erase(messages.begin() + static_cast<long>(generator() % messages.size()));
       writeMailbox("eudora", mail + "/Dir/Work", messages);
     }
-    const pid_t child = startIndex(index);
+    const pid_t child = startProgram(TUK_MHHOST, index);
     ASSERT_GT(child, 0);
     usleep(static_cast<useconds_t>(generator() % static_cast<unsigned long>(span)));
     kill(child, SIGKILL);
@@ -416,12 +396,8 @@ TEST(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
     waitpid(child, &status, 0);
     const HostResult completed = runProgram(TUK_MHHOST, index);
     ASSERT_EQ(0, completed.status) << "round " << round << ": " << completed.err;
-    fs::remove(fresh);
-    ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
-    const std::vector<std::string> ours = indexRows(host.database), theirs = indexRows(fresh);
-    ASSERT_TRUE(ours == theirs) << "round " << round << "\nonly after the kill:\n"
-                                << rowsMissingFrom(ours, theirs) << "only in a fresh index:\n"
-                                << rowsMissingFrom(theirs, ours);
+    const std::string difference = differenceFromFresh(index, fresh);
+    ASSERT_TRUE(difference.empty()) << "round " << round << "\n" << difference;
   }
 }
 
