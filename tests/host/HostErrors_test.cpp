@@ -50,18 +50,6 @@ TEST_F(HostErrorsTest, UsageErrorsExitWithTwo) {
   EXPECT_EQ(2, host({"index"}).status);
 }
 
-TEST_F(HostErrorsTest, EveryCommandHasItsHelp) {
-  for (const char *command : {"config", "list", "index", "search", "show", "cat", "demo"}) {
-    const HostResult run = hostAlone({command, "--help"});
-    EXPECT_EQ(0, run.status) << command;
-    EXPECT_EQ(0u, run.out.find(std::string("Usage: mhhost ") + command)) << run.out;
-    EXPECT_NE(std::string::npos, run.out.find("--registry FILE"));
-  }
-  const HostResult general = hostAlone({"--help"});
-  EXPECT_EQ(0, general.status);
-  EXPECT_NE(std::string::npos, general.out.find("search QUERY"));
-}
-
 // Queries as people type them are read, and one that can't be is told in the words of the
 // query, with a mark under the place: no word of the engine's reaches the person.
 TEST_F(HostErrorsTest, QueriesAsTypedAndTheMistakesInThem) {

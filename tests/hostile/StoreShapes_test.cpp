@@ -1,6 +1,7 @@
 // Stores of hostile shapes: links that loop, trees too deep, a crowded folder, names no mail
-// client would choose, a mailbox over 4 GiB, a folder or a pipe where a mail file should be,
-// and folders or mailboxes the agent may not read.
+// client would choose, a mailbox over 4 GiB, a pipe where a mail file should be, and folders
+// or mailboxes the agent may not read. (A folder where a mail file should be: the pairing's
+// tests in store/MailboxScan.)
 #include "tests/support/AgentStore.h"
 #include "tests/hostile/Watchdog.h"
 
@@ -140,30 +141,6 @@ TEST_F(StoreShapesTest, AMailboxOverFourGibibytesIsReadByTheLowPartOfItsSize) {
   mailbox("Next", eudoraMessage("next"));
   ASSERT_EQ(0, truncate(path.c_str(), off_t{1} << 32));
   EXPECT_EQ(std::vector<std::string>{mail + "/Next.mbx"}, pathsOf(walk()));
-}
-
-TEST_F(StoreShapesTest, AFolderWhereAMailFileShouldBe) {
-  mailbox("Real");
-  makeDirs(mail + "/In.mbx");
-  writeFile(mail + "/In.toc", "");
-  EXPECT_EQ(std::vector<std::string>{mail + "/Real.mbx"}, pathsOf(walk()));
-  // A record that names a folder opens nothing.
-  KeptRecord folder;
-  folder.path = mail + "/In.mbx";
-  EXPECT_EQ(StatusMailFileFailed, reopen(folder));
-
-  // Without a mail extension a folder is no mail file either, not even through the "." entry
-  // that the walk lists inside it, which a control file named ".snm" would otherwise pair.
-  writeFile(mail + "/Inbox", "From x y z 12 01:02:03 1998\nSubject: n\n\nbody\n");
-  writeFile(mail + "/Inbox.snm", "");
-  makeDirs(mail + "/Box");
-  writeFile(mail + "/Box/.snm", "");
-  writeFile(mail + "/Box.snm", "");
-  CMailFilenameList list;
-  ASSERT_EQ(1, list.findMailboxes(mail.c_str(), "", ".SNM"));
-  EXPECT_EQ(mail + "/Inbox", std::string(*list.getFirstMailbox()));
-  startAgent(kNetscapeKey);
-  EXPECT_EQ(std::vector<std::string>{mail + "/Inbox"}, pathsOf(walk()));
 }
 
 TEST_F(StoreShapesTest, AnEmptyMailPathIsNoStoreAtAll) {

@@ -75,6 +75,11 @@ TEST_F(MailboxScanTest, MailFilesPairWithAControlFileOfTheirStem) {
        ".mbx",
        ".toc",
        {}},
+      {"nor one without an extension, not even by the \".\" entry a \".snm\" in it would pair",
+       {"Inbox", "Inbox.snm", "Box/.snm", "Box.snm"},
+       "",
+       ".SNM",
+       {"~/Inbox"}},
   };
   for (const auto &c : cases) {
     SCOPED_TRACE(c.why);
