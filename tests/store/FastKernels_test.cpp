@@ -5,15 +5,12 @@
 #include "store/Checksum.h"
 #include "store/FieldSearch.h"
 #include "store/MailMsg.h"
-#include "store/VectorWidth.h"
+#include "tests/store/AtEachWidth.h"
 #include "tests/support/Reference.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstring>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {
@@ -27,24 +24,6 @@ Bytes randomBytes(std::mt19937 &random, size_t length, const std::string &alphab
   return bytes;
 }
 
-// Each kernel is run at each vector width that this machine can take: the widest, SSE2,
-// and none. The width is restored when the test ends.
-class EachWidth {
-public:
-  EachWidth() = default;
-  EachWidth(const EachWidth &) = delete;
-  EachWidth &operator=(const EachWidth &) = delete;
-  ~EachWidth() { limitVectorWidth(VectorWidth::Widest); }
-  const std::vector<VectorWidth> &widths() const { return widths_; }
-  static VectorWidth set(VectorWidth width) {
-    limitVectorWidth(width);
-    return width;
-  }
-
-private:
-  std::vector<VectorWidth> widths_ = {VectorWidth::Widest, VectorWidth::Sse2, VectorWidth::None};
-};
-
 const unsigned char *bytesOf(const std::string &text) {
   return reinterpret_cast<const unsigned char *>(text.data());
 }
@@ -52,9 +31,7 @@ const unsigned char *bytesOf(const std::string &text) {
 // Every pattern's pair, over text made of the pattern's own bytes, from every start; the
 // buffer ends where the search may read no further, so that a sanitizer sees a read past it.
 TEST(FindPair, AgreesWithAPlaceByPlaceSearch) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  atEachWidth([] {
     std::mt19937 random(3);
     const std::vector<std::string> patterns = {
         std::string(reinterpret_cast<const char *>(kEudoraDelimiter), sizeof kEudoraDelimiter),
@@ -77,15 +54,13 @@ TEST(FindPair, AgreesWithAPlaceByPlaceSearch) {
         ASSERT_EQ(expected, findPair(bytes.data(), from, last, pair)) << pattern << " " << from;
       }
     }
-  }
+  });
 }
 
 // One match in a run of other bytes, at every place of every length up to a few vector
 // steps, searched from every start: the ends of the vector steps are where slips hide.
 TEST(FindPair, FindsALoneMatchAtEveryPlace) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  atEachWidth([] {
     const BytePair pair = rarestPair(kEudoraDelimiter, sizeof kEudoraDelimiter);
     const uint32_t reach = std::max(pair.rare, pair.other);
     for (uint32_t last = 0; last < 200; ++last) {
@@ -101,13 +76,11 @@ TEST(FindPair, FindsALoneMatchAtEveryPlace) {
         }
       }
     }
-  }
+  });
 }
 
 TEST(FindLineEnd, AgreesWithAByteLoop) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  atEachWidth([] {
     std::mt19937 random(5);
     for (int round = 0; round < 3000; ++round) {
       const Bytes bytes =
@@ -119,18 +92,16 @@ TEST(FindLineEnd, AgreesWithAByteLoop) {
         ++expected;
       ASSERT_EQ(expected, findLineEnd(bytes.data(), from, end));
     }
-  }
+  });
 }
 
 TEST(ChecksumKernels, CopyAndSumAgreeWithByteAtATimeAtEveryLengthAndAlignment) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  // The reference's own documented values.
+  EXPECT_EQ(0x04030404u, referenceChecksum(std::string("\x01\x02\x03\x04\x05\x06", 6)));
+  EXPECT_EQ(0x64636261u, referenceChecksum("abcd"));
+  atEachWidth([] {
     std::mt19937 random(9);
-    const Bytes source = randomBytes(random, 5000,
-                                     std::string("\x00\x01\x7f\x80\xff"
-                                                 "abc",
-                                                 8));
+    const Bytes source = randomBytes(random, 5000, std::string("\x00\x01\x7f\x80\xff" "abc", 8));
     for (size_t offset = 0; offset < 8; ++offset) {
       for (size_t length = 0; length + offset <= source.size(); length += length < 300 ? 1 : 977) {
         const unsigned char *start = source.data() + offset;
@@ -142,7 +113,7 @@ TEST(ChecksumKernels, CopyAndSumAgreeWithByteAtATimeAtEveryLengthAndAlignment) {
         ASSERT_EQ(0xEE, target[length]) << "nothing is written behind the copy";
       }
     }
-  }
+  });
 }
 
 TEST(ChecksumKernels, APartTurnedByItsOffsetJoinsTheWhole) {
@@ -156,27 +127,24 @@ TEST(ChecksumKernels, APartTurnedByItsOffsetJoinsTheWhole) {
   }
 }
 
+// The range may end before the bytes do: what lies behind it must not count. (The places of
+// the definition's own cases: MailMsg.)
 TEST(HeaderLength, AgreesWithTheByteByByteScan) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  const CMailMsg probe;
+  atEachWidth([&] {
     std::mt19937 random(17);
-    const CMailMsg probe;
     for (int round = 0; round < 20000; ++round) {
       const Bytes bytes =
           randomBytes(random, random() % 150, round % 3 ? "\r\na" : "abcdefghijklmnopqrstuv\r\n");
-      // The range may end before the bytes do: what lies behind it must not count.
       const auto length = static_cast<uint32_t>(random() % (bytes.size() + 1));
       ASSERT_EQ(referenceHeaderLength(bytes.data(), length),
                 probe.getHeaderLength(bytes.data(), length));
     }
-  }
+  });
 }
 
 TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  atEachWidth([] {
     std::mt19937 random(19);
     const std::vector<std::vector<std::string>> nameSets = {
         {"\nDate:", "\nTo:", "\nFrom:", "\nSubject:", "\nCc:"},
@@ -200,7 +168,7 @@ TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
       for (size_t k = 0; k < names.size(); ++k)
         ASSERT_EQ(referenceFieldStart(names[k], block.data(), searchLength), indexes[k]) << k;
     }
-  }
+  });
 }
 
 } // namespace
