@@ -17,12 +17,10 @@ class ObjectSearchTest : public AgentStoreTest {
 protected:
   void SetUp() override {
     AgentStoreTest::SetUp();
-    writeFile(mail + "/In.mbx", message("one") + message("two"));
-    writeFile(mail + "/In.toc", "");
+    mailbox("In", message("one") + message("two"));
     writeFile(mail + "/Zed.MBX", message("zed"));
     writeFile(mail + "/Zed.toc", "");
-    writeFile(mail + "/Work/Box.mbx", message("box"));
-    writeFile(mail + "/Work/Box.toc", "");
+    mailbox("Work/Box", message("box"));
     writeFile(mail + "/Work/Deep/Only.toc", "");
   }
 };
@@ -70,11 +68,8 @@ TEST_F(ObjectSearchTest, TwoSearchesRunSideBySide) {
 // A walk's messages keep only what its records need, but with the log on they still log the
 // subject they read.
 TEST_F(ObjectSearchTest, AWalkLogsEachMessagesSubject) {
-  CapturedLog::lines().clear();
-  startAgent(kEudoraKey, CapturedLog::sink);
-  entries().setLogFlag(1);
+  startLogging();
   EXPECT_EQ(4u, walk().records.size());
-  entries().setLogFlag(0);
   EXPECT_TRUE(CapturedLog::contains(".\\MailMsg|Subject: one"));
   EXPECT_TRUE(CapturedLog::contains(".\\MailMsg|Subject: two"));
 }

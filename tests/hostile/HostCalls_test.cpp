@@ -50,8 +50,7 @@ class HostCallsTest : public AgentStoreTest {
 protected:
   void SetUp() override {
     AgentStoreTest::SetUp();
-    writeFile(mail + "/In.mbx", eudoraMessage("one") + eudoraMessage("two"));
-    writeFile(mail + "/In.toc", "");
+    mailbox("In", eudoraMessage("one") + eudoraMessage("two"));
     AgentHandle search = 0;
     ASSERT_EQ(StatusOk, findFirst(search, record));
     EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(search));
@@ -74,9 +73,7 @@ protected:
 };
 
 TEST_F(HostCallsTest, ObjectHandlesThatAreNotLive) {
-  CapturedLog::lines().clear();
-  startAgent(kEudoraKey, CapturedLog::sink);
-  entries().setLogFlag(1);
+  startLogging();
   const AgentHandle closed = open();
   EXPECT_EQ(StatusOk, entries().closeObject(closed)); // its memory is gone
   // Memory that looks like a message, signature and all, is still no object.
@@ -100,7 +97,6 @@ TEST_F(HostCallsTest, ObjectHandlesThatAreNotLive) {
   signature = kMessageSignature;
   EXPECT_EQ(StatusOk, entries().closeObject(other));
   EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(search));
-  entries().setLogFlag(0);
 }
 
 TEST_F(HostCallsTest, SearchHandlesThatAreNotLive) {

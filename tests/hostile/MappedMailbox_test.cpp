@@ -88,14 +88,11 @@ class MappedMailboxTest : public AgentStoreTest {
 protected:
   void SetUp() override {
     AgentStoreTest::SetUp();
-    box = mail + "/A.mbx";
-    writeFile(box, bigMailbox("a", 8));
-    writeFile(mail + "/A.toc", "");
-    writeFile(mail + "/B.mbx", eudoraMessage("b"));
-    writeFile(mail + "/B.toc", "");
+    mailbox("A", bigMailbox("a", 8));
+    mailbox("B", eudoraMessage("b"));
   }
 
-  std::string box;
+  const std::string box = mail + "/A.mbx";
 };
 
 class MailboxChangeTest : public MappedMailboxTest, public ::testing::WithParamInterface<Change> {};

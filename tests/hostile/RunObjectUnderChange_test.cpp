@@ -19,11 +19,8 @@ class RunObjectUnderChangeTest : public AgentStoreTest {
 protected:
   void SetUp() override {
     AgentStoreTest::SetUp();
-    box = mail + "/In.mbx";
-    writeFile(box, eudoraMessage("one", "First body.\r\n") + eudoraMessage("two", "Second.\r\n"));
-    writeFile(mail + "/In.toc", "");
-    writeFile(mail + "/Next.mbx", eudoraMessage("next"));
-    writeFile(mail + "/Next.toc", "");
+    mailbox("In", eudoraMessage("one", "First body.\r\n") + eudoraMessage("two", "Second.\r\n"));
+    mailbox("Next", eudoraMessage("next"));
     // The person reads the message window, doing `whileReading` before letting it close.
     user.onModal = [&](TukWindow window) {
       if (whileReading)
@@ -44,7 +41,7 @@ protected:
     return entries().RunObject(buffer.get());
   }
 
-  std::string box;
+  const std::string box = mail + "/In.mbx";
   ScriptedUser user;
   std::function<void()> whileReading;
   std::string body;

@@ -21,8 +21,10 @@ void AgentStoreTest::SetUp() {
 }
 
 void AgentStoreTest::TearDown() {
-  if (started_)
+  if (started_) {
+    entries().setLogFlag(0);
     entries().terminateAgent();
+  }
 }
 
 AgentResult AgentStoreTest::startAgent(const std::string &key, LogSink sink,
@@ -32,4 +34,22 @@ AgentResult AgentStoreTest::startAgent(const std::string &key, LogSink sink,
   EXPECT_NE(0, SetRegValue(key.c_str(), "MailPath", CString(mail.c_str())));
   started_ = true;
   return agent_.init(key, language, sink);
+}
+
+void AgentStoreTest::startLogging(const std::string &key) {
+  CapturedLog::lines().clear();
+  startAgent(key, CapturedLog::sink);
+  entries().setLogFlag(1);
+}
+
+void AgentStoreTest::mailbox(const std::string &stem, const std::string &bytes) {
+  writeFile(mail + "/" + stem + ".mbx", bytes);
+  writeFile(mail + "/" + stem + ".toc", "");
+}
+
+std::vector<std::string> AgentStoreTest::pathsOf(const StoreWalk &walk) {
+  std::vector<std::string> paths;
+  for (const KeptRecord &record : walk.records)
+    paths.push_back(record.path);
+  return paths;
 }

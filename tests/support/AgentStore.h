@@ -29,7 +29,13 @@ protected:
   // `mail` first.
   AgentResult startAgent(const std::string &key, LogSink sink = nullptr,
                          const std::string &language = "EN");
+  // startAgent with the agent's log on and captured (CapturedLog), from a clean slate.
+  void startLogging(const std::string &key = kEudoraKey);
   const AgentEntryTable &entries() const { return agent_.entries(); }
+
+  // Writes the Eudora mailbox `stem`, a path below `mail` without extension, and its control
+  // file.
+  void mailbox(const std::string &stem, const std::string &bytes = eudoraMessage("x"));
 
   // The host's calls of tests/support/HostWalk.h on this agent.
   int32_t findFirst(AgentHandle &search, KeptRecord &record) {
@@ -42,6 +48,8 @@ protected:
   int32_t reopen(const KeptRecord &record, std::string *body = nullptr) {
     return ::reopen(entries(), record, body);
   }
+  // The mailboxes of a walk's records, in order.
+  static std::vector<std::string> pathsOf(const StoreWalk &walk);
 
   TempDir dir;
   const std::string mail = dir.file("mail");
