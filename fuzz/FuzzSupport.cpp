@@ -3,8 +3,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
-#include <ftw.h>
+#include <filesystem>
+#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,14 +14,6 @@ void fuzzCheckFailed(const char *condition, const char *file, int line) {
 }
 
 namespace {
-
-int removeEntry(const char *path, const struct stat *, int, struct FTW *) {
-  return ::remove(path);
-}
-
-void removeTree(const std::string &dir) {
-  ::nftw(dir.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
-}
 
 std::string makeScratchDir() {
   struct stat status;
@@ -45,27 +37,24 @@ const std::string &scratchDir() {
   // Never destroyed: the clean-up at exit runs after the statics' destructors.
   static const std::string *const dir = [] {
     const auto *made = new std::string(makeScratchDir());
-    std::atexit([] { removeTree(scratchDir()); });
+    std::atexit([] {
+      std::error_code ignored;
+      std::filesystem::remove_all(scratchDir(), ignored);
+    });
     return made;
   }();
   return *dir;
 }
 
 bool writeBytes(const std::string &path, const uint8_t *data, size_t size) {
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  if (fd < 0)
-    return false;
-  size_t written = 0;
-  while (written < size) {
-    const ssize_t count = ::write(fd, data + written, size - written);
-    if (count <= 0)
-      break;
-    written += static_cast<size_t>(count);
-  }
-  return ::close(fd) == 0 && written == size;
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file.write(reinterpret_cast<const char *>(data), static_cast<std::streamsize>(size));
+  file.close();
+  return !file.fail();
 }
 
 void emptyDir(const std::string &dir) {
-  removeTree(dir);
-  ::mkdir(dir.c_str(), 0700);
+  std::error_code ignored;
+  std::filesystem::remove_all(dir, ignored);
+  std::filesystem::create_directory(dir, ignored);
 }

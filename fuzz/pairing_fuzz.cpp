@@ -8,13 +8,12 @@
 
 #include "store/MFNList.h"
 
-#include <cerrno>
-#include <ftw.h>
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <set>
 #include <string>
 #include <sys/stat.h>
-#include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -32,51 +31,35 @@ constexpr size_t kMaxDepth = 6;
 // ends in '/'. Components "." and ".." and empty ones are dropped; a part that cannot be made
 // (a name too long, a file in the way) ends the path there.
 void makePath(const std::string &root, const std::string &relative) {
-  std::string path = root;
-  size_t depth = 0;
-  size_t begin = 0;
+  std::filesystem::path path = root;
+  size_t depth = 0, begin = 0;
   while (begin < relative.size() && depth < kMaxDepth) {
-    const size_t slash = relative.find('/', begin);
-    const std::string part =
-        relative.substr(begin, slash == std::string::npos ? slash : slash - begin);
-    begin = slash == std::string::npos ? relative.size() : slash + 1;
+    const size_t end = std::min(relative.find('/', begin), relative.size());
+    const std::string part = relative.substr(begin, end - begin);
+    begin = end + 1;
     if (part.empty() || part == "." || part == ".." || part.size() > 255)
       continue;
-    path += "/" + part;
+    path /= part;
     ++depth;
-    const bool folder = slash != std::string::npos;
-    if (folder) {
-      if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
-        return;
-    } else if (FILE *file = std::fopen(path.c_str(), "w")) {
-      std::fclose(file);
-    }
+    std::error_code error;
+    if (end == relative.size())
+      std::ofstream{path};
+    else if (!std::filesystem::create_directory(path, error) && error)
+      return;
   }
-}
-
-std::set<std::string> *listing = nullptr;
-
-int listEntry(const char *path, const struct stat *status, int type, struct FTW *) {
-  const std::string name(path);
-  if (type == FTW_D) {
-    listing->insert(name + "/.");
-    listing->insert(name + "/..");
-    if (name != scratchDir() + "/tree")
-      listing->insert(name + "/");
-  } else {
-    listing->insert(name);
-  }
-  (void)status;
-  return 0;
 }
 
 // What is in the tree, as the walk names entries: folders with a '/' behind, and the "." and
 // ".." of every folder.
 std::set<std::string> treeEntries(const std::string &root) {
-  std::set<std::string> entries;
-  listing = &entries;
-  ::nftw(root.c_str(), listEntry, 16, FTW_PHYS);
-  listing = nullptr;
+  std::set<std::string> entries = {root + "/.", root + "/.."};
+  for (const auto &entry : std::filesystem::recursive_directory_iterator(root)) {
+    const std::string name = entry.path().string();
+    if (entry.symlink_status().type() == std::filesystem::file_type::directory)
+      entries.insert({name + "/", name + "/.", name + "/.."});
+    else
+      entries.insert(name);
+  }
   return entries;
 }
 
