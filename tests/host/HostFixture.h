@@ -4,6 +4,7 @@
 
 #include "tests/host/HostProcess.h"
 #include "tests/host/JsonLine.h"
+#include "tests/support/ClientStores.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -18,6 +19,9 @@ public:
   // mhhost --registry R --db D ARGUMENTS..., with `input` piped or typed at a terminal.
   HostResult host(const std::vector<std::string> &arguments, const std::string &input = "",
                   Input kind = Input::Pipe);
+  // host(), which must end with 0.
+  HostResult hostOk(const std::vector<std::string> &arguments, const std::string &input = "",
+                    Input kind = Input::Pipe);
   // mhhost ARGUMENTS... with nothing added.
   HostResult hostAlone(const std::vector<std::string> &arguments,
                        const std::vector<std::pair<std::string, std::string>> &environment = {}) {
@@ -32,6 +36,10 @@ public:
   // The objects of `mhhost search QUERY --json [more]`, checked to be valid JSON.
   std::vector<JsonObject> searchJson(const std::string &query,
                                      const std::vector<std::string> &more = {});
+  // The id of the one hit of a query; 0 when there is not exactly one.
+  long long idOf(const std::string &query);
+  // `messages` as the Eudora mailbox mail/In, the store set up and indexed.
+  void indexMailbox(const std::vector<TestMessage> &messages);
 
   TempDir dir;
   const std::string registry;
@@ -40,3 +48,10 @@ public:
 
 // The last line of a text.
 std::string lastLine(const std::string &text);
+// Whether `text` holds `part`; the text is the message when not.
+::testing::AssertionResult holds(const std::string &text, const std::string &part);
+// Whether the run ended with 0 and its last line, the index run's summary, starts
+// "indexed: " + `counts`.
+::testing::AssertionResult indexed(const HostResult &run, const std::string &counts);
+// Whether the run ended with `status` and said `said` on its standard error.
+::testing::AssertionResult refused(const HostResult &run, int status, const std::string &said);
