@@ -30,7 +30,14 @@ TEST_P(ClientPageTest, OpensHiddenInTheFrameShowingTheStoredDirectories) {
   EXPECT_EQ((client().height * 13 + 4) / 8, info.rect.bottom - info.rect.top);
   EXPECT_EQ(mailDir, field(page, kMailEdit));
   EXPECT_EQ(exeDir, field(page, kExeEdit));
-  EXPECT_EQ(client().key == allClients()[0].key, control(page, kAttachBox) != 0);
+  // The controls in tab order; the page's OK and Cancel behind them.
+  std::vector<int32_t> ids, expected = {IDC_MAIL_LABEL, kMailEdit, kBrowseMail, IDC_EXE_LABEL,
+                                        kExeEdit, kBrowseExe, kAttachBox, TUK_ID_OK, TUK_ID_CANCEL};
+  for (const TukWindow child : childWindows(page))
+    ids.push_back(windowInfo(child).id);
+  if (client().key != allClients()[0].key)
+    expected.erase(expected.begin() + 6); // only Eudora's page has the box
+  EXPECT_EQ(expected, ids);
   EXPECT_TRUE(CapturedLog::contains("MailPath: " + mailDir + "\n"));
 
   // Nothing stored: the fields are empty and the failed reads are logged.

@@ -127,6 +127,14 @@ TEST_F(ViewerLayoutTest, TheWindowGrowsAndShrinksByTheRulesButNeverBelowItsFirst
     EXPECT_EQ(457, window.bottom - window.top);
     EXPECT_EQ((1280 - 596) / 2, window.left);
 
+    // The controls in tab order: To, CC, From, Date, Location, Subject, each behind its label.
+    const std::vector<int32_t> tabOrder = {kDone,     -1, kTo,       -1, kCc,      -1, kFrom, -1,
+                                           kDate,     -1, kLocation, -1, kSubject, kBody};
+    std::vector<int32_t> ids;
+    for (const TukWindow child : childWindows(dialog))
+      ids.push_back(windowInfo(child).id);
+    EXPECT_EQ(tabOrder, ids);
+
     ASSERT_EQ(0, tukWindowResize(dialog, 596 + 120, 457 + 80));
     const Layout grown = layoutOf(dialog);
     const std::vector<TukWindow> controls = childWindows(dialog);
