@@ -1,11 +1,33 @@
 // Registry values: the file format, lookups, and what a write leaves of the rest of the file.
-#include "tests/cmn/RegistryFixture.h"
+#include "cmn/Registry.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TestFiles.h"
+
+#include <gtest/gtest.h>
 
 #include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
+
+// Each test gets a registry file of its own, named by $TUK_REGISTRY.
+class RegistryTest : public ::testing::Test {
+protected:
+  // The string or integer under `key`, or a marker that the read failed.
+  static std::string readString(const char *key, const char *name) {
+    CString value("<unread>");
+    return GetRegValue(key, name, value) ? std::string(value.bytes()) : "<unread>";
+  }
+  static std::optional<int32_t> readNumber(const char *key, const char *name) {
+    int32_t value = 0;
+    return GetRegValue(key, name, &value) ? std::optional<int32_t>(value) : std::nullopt;
+  }
+
+  TempDir dir_;
+  const std::string registry_ = dir_.file("registry.reg");
+  ScopedEnvironment registryVariable_{"TUK_REGISTRY", registry_};
+};
 
 const char kKey[] = "Software\\Tuk\\MHEudora";
 const std::string kHeader = "Windows Registry Editor Version 5.00\n\n";

@@ -1,19 +1,31 @@
 // Language modules: LoadLibraryA finds them beside the current module, their strings and
-// templates win, what they lack comes from the current module, and FreeLibrary lets go.
-#include "tests/resources/AgentModule.h"
-
+// templates win, what they lack comes from the current module, the agent's own table, and
+// FreeLibrary lets go.
 #include "platform/CString.h"
 #include "platform/Files.h"
+#include "platform/Resources.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <thread>
 
+extern const ResourceTable agentResourceTable;
+
 namespace {
+
+// The agent's table as a module of this program, which lies in the build's output directory
+// beside the language modules.
+CModule agentTestModule = {&agentResourceTable, &agentTestModule, nullptr};
+
+// The text of a string entry, zero bytes included; "<none>" when there is none.
+std::string textOf(const ResourceString *entry) {
+  return entry != nullptr ? std::string(entry->text, entry->length) : std::string("<none>");
+}
 
 // The test module built from testlang.rc: tuk_mhmailXX.so in the build's output directory.
 const char kTestModule[] = "tuk_mhmailXX";
@@ -35,10 +47,24 @@ std::string directoryOf(const void *anchor) {
   return realPath(moduleDirectory(anchor, buffer, sizeof buffer));
 }
 
+// The agent's state made current, owning its table, as an entry of the agent makes it.
 class LanguageModule : public testing::Test {
 protected:
-  AgentStateScope agent;  // the instance: this program, beside the test module
+  AFX_MODULE_STATE state_ = {&agentTestModule, &agentTestModule, nullptr};
+  AFX_MAINTAIN_STATE agent_{&state_};
 };
+
+TEST(AgentStrings, IdsOneToSeventyAreThereInOrder) {
+  ASSERT_EQ(agentResourceTable.stringCount, 70u);
+  for (uint32_t i = 0; i < agentResourceTable.stringCount; ++i) {
+    const ResourceString &entry = agentResourceTable.strings[i];
+    EXPECT_EQ(entry.id, i + 1);
+    EXPECT_EQ(entry.length, std::strlen(entry.text)) << "id " << entry.id;
+    EXPECT_EQ(findString(&agentTestModule, entry.id), &entry);
+  }
+  EXPECT_EQ(findString(&agentTestModule, 0), nullptr);
+  EXPECT_EQ(findString(&agentTestModule, 71), nullptr);
+}
 
 TEST_F(LanguageModule, LoadsOnlyFromTheDirectoryOfTheCurrentInstance) {
   const LoadedModule module = load(kTestModule);
