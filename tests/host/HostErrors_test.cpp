@@ -3,7 +3,6 @@
 #include "tests/host/HostFixture.h"
 
 #include <fcntl.h>
-#include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -9,9 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 class HostFixture {
 public:
   HostFixture();

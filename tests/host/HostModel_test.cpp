@@ -4,8 +4,6 @@
 #include "tests/host/HostFixture.h"
 #include "tests/support/ClientStores.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>

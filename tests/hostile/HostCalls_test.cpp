@@ -6,8 +6,6 @@
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <memory>
 

@@ -4,14 +4,11 @@
 // now, and nothing takes the host down.
 #include "tests/support/AgentStore.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <fstream>
-#include <functional>
 #include <random>
 #include <thread>
 #include <unistd.h>

@@ -15,7 +15,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <functional>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>

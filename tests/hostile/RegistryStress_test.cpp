@@ -12,7 +12,6 @@
 #include <fcntl.h>
 #include <map>
 #include <random>
-#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>

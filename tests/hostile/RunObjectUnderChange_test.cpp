@@ -7,9 +7,6 @@
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/AgentSession.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 

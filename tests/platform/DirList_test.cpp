@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>

@@ -9,7 +9,6 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <string>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <thread>

@@ -7,7 +7,6 @@
 #include <glib.h>
 #include <gtest/gtest.h>
 
-#include <string>
 #include <string_view>
 
 namespace {

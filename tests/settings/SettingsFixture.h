@@ -16,7 +16,6 @@
 
 #include <memory>
 #include <ostream>
-#include <string>
 
 struct Client {
   const char *name;

@@ -9,9 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 // Agent keys of two clients.
 extern const char kEudoraKey[];
 extern const char kNetscapeKey[];
