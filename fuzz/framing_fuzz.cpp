@@ -59,7 +59,6 @@ template <class MailFile> int checkFraming(const uint8_t *data, size_t size) {
   const Ranges ranges = walkFraming(file, data, size);
   if (size > kFirstOffset<MailFile>)
     FUZZ_CHECK(!ranges.empty());
-
   // A record of the walk reopens, as openObject reopens it, in a mail file of its own.
   MailFile reopened;
   FUZZ_CHECK(reopened.init(name) == 0);
@@ -69,7 +68,6 @@ template <class MailFile> int checkFraming(const uint8_t *data, size_t size) {
     FUZZ_CHECK(message->checksum == referenceChecksum(data + range.first, range.second));
   }
   FUZZ_CHECK(reopened.getMsgAt(static_cast<uint32_t>(size), 1) == nullptr);
-
   // Opening the mailbox again restarts the scan from scratch.
   FUZZ_CHECK(file.setMailbox(name) == 0);
   FUZZ_CHECK(walkFraming(file, data, size) == ranges);

@@ -30,7 +30,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const char *const section = kIniSections[data[0] % std::size(kIniSections)];
   const char *const key = kIniKeys[(data[0] / std::size(kIniSections)) % std::size(kIniKeys)];
   const DWORD capacity = data[1];
-
   // Exactly the capacity the reader is told, so that one byte more is a finding.
   const std::unique_ptr<char[]> buffer(new char[capacity == 0 ? 1 : capacity]);
   const DWORD copied =
@@ -44,7 +43,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const std::string value(buffer.get(), copied);
   const bool fromDefault = std::string(kDefault).compare(0, copied, value) == 0;
   FUZZ_CHECK(fromDefault || file.find(value) != std::string::npos);
-
   // The same file asked again gives the same answer.
   const std::unique_ptr<char[]> again(new char[capacity]);
   FUZZ_CHECK(GetPrivateProfileStringA(section, key, kDefault, again.get(), capacity,

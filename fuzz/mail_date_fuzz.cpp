@@ -24,7 +24,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const CMailDate date(text);
   const int32_t fields[6] = {date.getHour(), date.getMinute(), date.getSecond(),
                              date.getDay(),  date.getMonth(),  date.getYear()};
-
   // The month is never -1 in a valid date, so it tells validity.
   if (date.getMonth() == -1) {
     for (const int32_t field : fields)
@@ -46,7 +45,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
     const bool occurs = text.bytes().find(name.bytes()) != std::string::npos;
     FUZZ_CHECK(occurs == (month == date.getMonth()));
   }
-
   // Parsing is a function of the text alone.
   const CMailDate again(text);
   FUZZ_CHECK(again.getHour() == fields[0] && again.getMinute() == fields[1] &&

@@ -37,7 +37,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   CMailMsg message;
   FUZZ_CHECK(message.init(bytes.get(), length, "/mail/In.mbx") == 0);
   FUZZ_CHECK(message.checksum == referenceChecksum(data, size));
-
   // Header block and body add up to the range, and the body is the rest of it.
   const uint32_t headerLength = referenceHeaderLength(data, length);
   FUZZ_CHECK(message.bodyLength == length - headerLength);
@@ -48,7 +47,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
     FUZZ_CHECK(std::memcmp(message.body.get(), data + headerLength, message.bodyLength) == 0);
     FUZZ_CHECK(message.body.get()[message.bodyLength] == 0);
   }
-
   // Each field is the value behind the first match of its name inside the header block.
   const struct {
     const CString &name;
@@ -60,7 +58,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
                 {hdrCc, message.cc}};
   for (const auto &field : fields)
     FUZZ_CHECK(field.value.bytes() == referenceField(field.name, data, headerLength));
-
   // The body stream delivers the body once, in pieces, then the end.
   std::string streamed;
   uint8_t piece[61];
@@ -82,7 +79,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
 
   int32_t day, month, year, hour, minute, second;
   message.getDateFields(&day, &month, &year, &hour, &minute, &second);
-
   // The property block never goes past a buffer cut to a length the input picks.
   const uint32_t capacity = size == 0 ? 0 : data[0] * 3u;
   const std::unique_ptr<uint8_t[]> block(new uint8_t[capacity]);

@@ -99,7 +99,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
     makePath(root, names.substr(begin, end - begin));
     begin = end + 1;
   }
-
   // The walk lists every entry once, and nothing else.
   CStringList all;
   FUZZ_CHECK(FindFiles(all, (root + "/*.*").c_str()) == 0);

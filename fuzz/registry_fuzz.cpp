@@ -128,7 +128,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   FUZZ_CHECK(written != 0);
   const std::string after = fileText(path);
   FUZZ_CHECK(keepsOtherLines(linesOf(before), linesOf(after)));
-
   // The value reads back; every other value reads as before.
   size_t at = 0;
   for (const char *k : kKeys) {

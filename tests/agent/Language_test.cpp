@@ -47,7 +47,6 @@ TEST_F(LanguageTest, GermanModuleSuppliesNamesMonthsAndHeaders) {
   EXPECT_EQ(889956000, german.second); // 15 March 1998, 10:00 UTC
   // English header names are no longer searched.
   EXPECT_EQ("", open("x\nSubject: Hello\n\n").first);
-
   // A new life in English looks its strings up in the agent again.
   EXPECT_STREQ("Eudora Mail", startAgent(kEudoraKey).agentName);
   EXPECT_EQ("Hello", open("x\nSubject: Hello\n\n").first);

@@ -61,7 +61,6 @@ TEST(Lifecycle, LogFlagAndTheLinesOfAFirstInitialisation) {
   e.setLogFlag(7);
   e.terminateAgent();
   EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll terminating"));
-
   // The flag survives termination, so a second life logs its start.
   CapturedLog::lines().clear();
   agent.init("MHEudora", "en", CapturedLog::sink);

@@ -62,11 +62,9 @@ TEST_F(RegistryTest, StringsKeepEveryByteThroughEscapes) {
   EXPECT_EQ(awkward, readString(kKey, "odd\"name\\"));
   EXPECT_NE(std::string::npos,
             readFile(registry_).find("\"odd\\\"name\\\\\"=\"C:\\\\mail\\\\\\\"box\\\"\\\\ Gr"));
-
   // A backslash before any other byte stands for itself, as files written by hand have it.
   appendFile(registry_, "\"Dir\"=\"C:\\temp\\new\\\\x\"\n");
   EXPECT_EQ("C:\\temp\\new\\x", readString(kKey, "Dir"));
-
   // The format has no line breaks inside a value: such a write fails and changes nothing.
   const std::string before = readFile(registry_);
   EXPECT_EQ(0, SetRegValue(kKey, "Injected", CString("x\"\n[Other]")));
@@ -91,7 +89,6 @@ TEST_F(RegistryTest, StringsAndIntegersDoNotReadAsEachOther) {
   EXPECT_EQ(0, GetRegValue(kKey, "Number", text));
   EXPECT_EQ(5, number);
   EXPECT_EQ("kept", text.bytes());
-
   // A write of the other type replaces the value.
   ASSERT_NE(0, SetRegValue(kKey, "Text", 3));
   EXPECT_EQ(std::optional<int32_t>(3), readNumber(kKey, "Text"));

@@ -30,7 +30,6 @@ TEST_F(HostConfigTest, StoresDirectoriesAndTheFlagThroughTheSettingsPage) {
   EXPECT_TRUE(registryHas("\"Attachments\"=dword:00000001"));
   EXPECT_TRUE(registryHas(registryLine("EudAttachPath", dir.file("mail") + "/Attach")));
   EXPECT_EQ(1u, linesWith(run.out, "Attachments  on").size()) << run.out;
-
   // A second run that leaves the flag alone keeps it; one that sets it off clears it.
   hostOk({"--client", "eudora", "config", "--exe-dir", dir.file("program")});
   EXPECT_TRUE(registryHas("\"Attachments\"=dword:00000001"));
@@ -96,7 +95,6 @@ TEST_F(HostConfigTest, IndexesAThunderbirdProfileThroughTheNetscapeAgent) {
   EXPECT_EQ(local + "/Archives.sbd/2024", hits[0].strings.at("path"));
   const HostResult shown = hostOk({"show", std::to_string(hits[0].numbers.at("id"))});
   EXPECT_EQ(1u, linesWith(shown.out, "Location: " + local + "/Archives.sbd/2024").size());
-
   // A second store in the same index; "index" alone brings both up to date.
   writeMailbox("eudora", dir.file("eudora/In"), {welcome});
   setRegistryValue("eudora", "MailPath", dir.file("eudora"));

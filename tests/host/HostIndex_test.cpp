@@ -79,7 +79,6 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
   EXPECT_EQ(client(), hit.strings.at("store"));
   EXPECT_EQ(inboxFile().substr(mail.size() + 1), hit.strings.at("folder"));
   EXPECT_EQ(11u, hit.strings.size() + hit.numbers.size());
-
   // list gives the same records straight from the agent, in its order.
   const HostResult list = hostOk({"--client", client(), "list", "--json"});
   const std::vector<std::string> lines = linesOf(list.out);
@@ -131,7 +130,6 @@ TEST_P(HostStoreTest, SearchesEachFieldAndDateRanges) {
   EXPECT_EQ(2u, subjects("ann OR dan OR garden", {"--limit", "2"}).size());
   // The message without a Date never has the agent's fixed date, 1 Feb 1971.
   EXPECT_EQ(Subjects(), subjects("undated", {"--until", "1971-02-01"}));
-
   // Newest first by default, oldest or by relevance on request; pages of
   // --limit from --offset; the number alone; ids or places for scripts.
   const Subjects byDate = {"Garden meeting", "Corrections", "Quarterly report draft",
@@ -148,7 +146,6 @@ TEST_P(HostStoreTest, SearchesEachFieldAndDateRanges) {
   EXPECT_EQ(workFile() + "\t" + std::to_string(gardenOffset) + "\n",
             host({"search", "tomatoes", "--output", "files"}).out);
   EXPECT_EQ(2, host({"search", "x", "--sort", "best"}).status);
-
   // Without --json: id, date, sender, subject, then the snippet with the matches marked.
   const HostResult plain = hostOk({"search", "tomatoes"});
   const std::vector<std::string> lines = linesOf(plain.out);
@@ -188,7 +185,6 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   EXPECT_EQ(1u, linesWith(run.out, "walk: not needed").size());
   EXPECT_EQ(0u, linesWith(run.err, "findFirstObjectHandle").size()) << run.err;
   EXPECT_EQ(0u, linesWith(run.err, "openObject").size());
-
   // A message appended (in the same second as the last run: keepObject can't tell, the
   // mailbox file's state can): only the new message is opened.
   const Mailbox before = mailboxOf(client(), {kQuarterly, kCorrections, kLunch});
@@ -205,7 +201,6 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   std::vector<JsonObject> hits = searchJson("subject:appended");
   ASSERT_EQ(1u, hits.size());
   EXPECT_EQ(appended.ranges[3].offset, hits[0].numbers.at("offset"));
-
   // Compacted: the second message is gone and the two behind it moved. They keep their ids
   // and are not read again; the one that is gone answers that it is.
   const long long lunchId = idOf("subject:lunch"), correctionsId = idOf("subject:corrections");
@@ -225,7 +220,6 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   EXPECT_EQ(compacted.ranges[1].length, hits[0].numbers.at("length"));
   const HostResult shown = hostOk({"show", std::to_string(hits[0].numbers.at("id"))});
   EXPECT_EQ(1u, linesWith(shown.out, "Subject: Lunch on Friday").size()) << shown.out;
-
   // Deleted: its objects go, the other mailbox's stay untouched.
   ASSERT_EQ(0, unlink(inboxFile().c_str()));
   ASSERT_EQ(0, unlink(controlFileOf(client(), inbox).c_str()));
@@ -235,7 +229,6 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   EXPECT_TRUE(searchJson("subject:quarterly").empty());
   EXPECT_EQ(1u, searchJson("subject:garden").size());
   EXPECT_EQ(0u, linesWith(run.err, ": openObject").size()) << "a record the walk lost is gone";
-
   // A new mailbox: it alone is read.
   writeMailbox(client(), mail + "/Folders/Later", {kAppended});
   run = index();

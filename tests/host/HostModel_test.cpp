@@ -171,7 +171,6 @@ protected:
   void appendRest(const Box &box) {
     appendFile(mailFile(box), bytesOf(box).substr(readFile(mailFile(box)).size()));
   }
-
   // A new name in the mail folder or in a folder below it.
   std::string newPath(const char *kind) {
     const size_t parent = pick(folders.size() + 1);
@@ -186,7 +185,6 @@ protected:
     writeFile(controlFileOf(client(), box.stem), std::string(32, '\0'));
     boxes.push_back(box);
   }
-
   // Makes one change of the kind `kind` to a mailbox picked at random and says what it did;
   // empty when the mailbox doesn't allow it.
   std::string change(size_t kind) {

@@ -16,7 +16,6 @@ protected:
     ASSERT_TRUE(indexed(host({"index", "--client", "netscape"}),
                         "8 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"));
   }
-
   // The one hit of `query`.
   JsonObject only(const std::string &query) {
     const std::vector<JsonObject> hits = searchJson(query);

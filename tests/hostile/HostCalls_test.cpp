@@ -59,7 +59,6 @@ protected:
     EXPECT_EQ(StatusOk, openRecord(entries(), record, object));
     return object;
   }
-
   // The search entries on `search`: no more objects, and closing deletes nothing.
   void expectNoSearch(AgentHandle search) {
     KeptRecord kept;
@@ -106,14 +105,12 @@ TEST_F(HostCallsTest, SearchHandlesThatAreNotLive) {
   for (const AgentHandle handle : {search, AgentHandle{0}, AGENT_INVALID_HANDLE,
                                    AgentHandle{0x1234}, reinterpret_cast<AgentHandle>(fake.get())})
     expectNoSearch(handle);
-
   // A search that a 122 of findNextObjectHandle ended.
   ASSERT_EQ(StatusOk, findFirst(search, kept));
   RecordBuffer small(8);
   int32_t time = 0;
   EXPECT_EQ(StatusBufferTooSmall, entries().findNextObjectHandle(search, small.get(), &time));
   expectNoSearch(search);
-
   // An exhausted search stays live until it is closed.
   ASSERT_EQ(StatusOk, findFirst(search, kept));
   ASSERT_EQ(StatusOk, findNext(search, kept));
@@ -178,7 +175,6 @@ TEST(HostCallsLife, InitAgentWithNullsAndCallsAfterTheLastTermination) {
   for (int termination = 0; termination < 5; ++termination)
     EXPECT_EQ(0, e.terminateAgent());
   expectNoStore(e);
-
   // A new life after too many terminations counts as any other: two initialisations make
   // one agent, which the second termination ends.
   const AgentParams eudora = {"MHEudora", nullptr, "EN", 0, 0, 0};

@@ -120,7 +120,6 @@ TEST_P(MailboxChangeTest, EachHolderSeesTheMailboxAsItShould) {
   for (const KeptRecord &given : rest)
     EXPECT_EQ(change.restReopens || given.path != box ? StatusOk : StatusOpenFailed, reopen(given))
         << given.path << " at " << given.offset;
-
   // Every record of a new walk opens, to the body that ends its bytes as they are now.
   const std::vector<KeptRecord> now = walkStore(entries());
   EXPECT_EQ(change.walkAfter, now.size());

@@ -83,7 +83,6 @@ protected:
     setenv("TUK_REGISTRY", registry.c_str(), 1);
     ASSERT_NE(0, SetRegValue("Stress", "Before", CString("stays")));
   }
-
   // Every claimed value reads back as it was written.
   void expectClaims(int writer, int round, const std::vector<int32_t> &claimed) {
     for (const int32_t at : claimed) {

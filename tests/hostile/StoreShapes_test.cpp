@@ -148,7 +148,6 @@ TEST_F(StoreShapesTest, AFolderThatCannotBeReadEndsTheScanAndAMailboxIsPassedOve
   ASSERT_EQ(0, chmod((mail + "/Locked").c_str(), 0755));
   failNextFileOperations(FileOperation::OpenDirectory, EACCES);
   EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
-
   // A mailbox that cannot be opened is passed over without a word: the first one, then one
   // that the walk comes to later.
   failNextFileOperations(FileOperation::OpenFile, EACCES);

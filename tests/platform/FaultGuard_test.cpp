@@ -114,7 +114,6 @@ TEST_F(TruncatedMapping, NestedGuardsEachCatchTheirOwnFault) {
   }));
   EXPECT_FALSE(innerCompleted);
   EXPECT_TRUE(outerWentOn);
-
   // Once an inner call has ended, a fault belongs to the outer call again.
   innerCompleted = false;
   EXPECT_FALSE(runGuarded([&] {

@@ -59,7 +59,6 @@ TEST(FilesTest, AViewTheSystemRefusesReportsWhyAndLeavesNothingOpen) {
     EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
     ScopedView view(viewOf(mapping.get()));  // the failure was for one call only
     EXPECT_NE(view.get(), nullptr);
-
     // The refusals close what they opened on the way.
     EXPECT_NE(openError(dir.path()), 0u);
     ScopedHandle empty(openForReading(dir.file("empty")));

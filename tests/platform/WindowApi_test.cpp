@@ -16,12 +16,10 @@ TEST(WindowApiTest, AFrameIsAVisibleTopLevelWindowWithTheGivenClientArea) {
   EXPECT_EQ(200, info.client.right - info.client.left);
   EXPECT_EQ(100, info.client.bottom - info.client.top);
   EXPECT_EQ(frame, childWindows(0).back());
-
   // Text: the whole length, and at most capacity - 1 bytes copied.
   char buffer[5] = "****";
   EXPECT_EQ(8, tukWindowGetText(frame, buffer, 4));
   EXPECT_STREQ("Set", buffer);
-
   // The close box destroys a frame.
   EXPECT_EQ(0, tukWindowClose(frame));
   EXPECT_EQ(-1, tukWindowGetInfo(frame, nullptr));

@@ -21,7 +21,6 @@ protected:
     ASSERT_NE(0u, frame);
   }
   void TearDown() override { tukFrameDestroy(frame); }
-
   // The test dialog as a page of the frame, shown.
   std::unique_ptr<RecordingDialog> openPage() {
     auto page = std::make_unique<RecordingDialog>();
@@ -60,7 +59,6 @@ TEST_F(WindowsTest, ATemplateMakesAHiddenPageWithItsControlsInPixels) {
   EXPECT_EQ("Label", windowText(controls[3]));
   EXPECT_EQ(0u, windowInfo(controls[4]).style & WS_VISIBLE);
   EXPECT_EQ(-1, windowInfo(controls[4]).checked);
-
   // The first size message comes before the controls and WM_INITDIALOG; then the focus goes
   // to the first control with a tab stop.
   EXPECT_EQ((std::vector<std::string>{"size 0 300x163", "init with 1 edit"}), page.log);
@@ -93,7 +91,6 @@ TEST_F(WindowsTest, ClicksAndKeysReachTheMapOnlyOnWindowsAPersonCanReach) {
   EXPECT_EQ(-1, tukWindowClick(go));
   EXPECT_EQ(-1, tukWindowPressKey(go, TUK_KEY_ESCAPE));
   EXPECT_TRUE(page->log.empty());
-
   // Esc in a shown modeless dialog: CDialog's OnCancel hides it.
   tukWindowShow(handle(*page), 1);
   EXPECT_EQ(0, tukWindowPressKey(go, TUK_KEY_ESCAPE));
@@ -128,7 +125,6 @@ TEST_F(WindowsTest, WindowsAndObjectsLetGoOfEachOther) {
   page->edit.SetWindowTextA("nowhere");
   page->UpdateData(TRUE);
   page.reset();
-
   // An object that made its window destroys it, children too; a bound control only lets go.
   frame = tukFrameCreate("Host", 400, 300);
   page = openPage();

@@ -39,7 +39,6 @@ TEST_P(ClientPageTest, OpensHiddenInTheFrameShowingTheStoredDirectories) {
     expected.erase(expected.begin() + 6); // only Eudora's page has the box
   EXPECT_EQ(expected, ids);
   EXPECT_TRUE(CapturedLog::contains("MailPath: " + mailDir + "\n"));
-
   // Nothing stored: the fields are empty and the failed reads are logged.
   ASSERT_EQ(0, entries().propPageClose());
   std::remove(registryPath.c_str());

@@ -39,7 +39,6 @@ TEST_F(EudoraPageTest, TheBoxShowsTheStoredFlagButOnlyACheckStepTakesItBack) {
   EXPECT_EQ("0", storedNumber(kFileKey, "Attachments"));
   EXPECT_EQ(mailDir + "/Attach", stored(kFileKey, "EudAttachPath"));
   entries().propPageClose();
-
   // After a check step the store writes what the box showed at the check.
   page = fillPage(1);
   EXPECT_EQ(1, entries().Validate(0));
@@ -153,7 +152,6 @@ TEST_F(EudoraSettingsTest, AFailedWriteStopsTheStoreAndIsOnlyLogged) {
   EXPECT_EQ(-1, agent->setRegistrySettings(CString("m"), CString("e"), 1, CString("a")));
   EXPECT_TRUE(CapturedLog::contains("Failed trying to set MailPath value\n"));
   EXPECT_FALSE(CapturedLog::contains("Failed trying to set ExePath value\n"));
-
   // Through the page, the host still hears that it may go on.
   const TukWindow page = openPage();
   type(page, kMailEdit, "m");

@@ -22,7 +22,6 @@ enum : int { kDone = 1008, kTo = 1009, kCc, kFrom, kDate, kLocation, kSubject, k
 class ViewerTest : public SettingsTest, public ::testing::WithParamInterface<Client> {
 protected:
   void SetUp() override { start(GetParam().key); }
-
   // A mailbox of the client holding a message with `body` and one behind it, and the record
   // that names the first.
   RecordBuffer storeMessage(const std::string &body) {
@@ -126,7 +125,6 @@ TEST_F(ViewerLayoutTest, TheWindowGrowsAndShrinksByTheRulesButNeverBelowItsFirst
     EXPECT_EQ(596, window.right - window.left);
     EXPECT_EQ(457, window.bottom - window.top);
     EXPECT_EQ((1280 - 596) / 2, window.left);
-
     // The controls in tab order: To, CC, From, Date, Location, Subject, each behind its label.
     const std::vector<int32_t> tabOrder = {kDone,     -1, kTo,       -1, kCc,      -1, kFrom, -1,
                                            kDate,     -1, kLocation, -1, kSubject, kBody};
@@ -153,12 +151,10 @@ TEST_F(ViewerLayoutTest, TheWindowGrowsAndShrinksByTheRulesButNeverBelowItsFirst
       }
       EXPECT_TRUE(sameRect(expected, grown[i]));
     }
-
     // Minimised and restored: as it was.
     ASSERT_EQ(0, tukWindowMinimize(dialog));
     ASSERT_EQ(0, tukWindowRestore(dialog));
     EXPECT_TRUE(sameLayout(grown, layoutOf(dialog)));
-
     // Dragged smaller than at the start: it stops at its first size, laid out as then.
     ASSERT_EQ(0, tukWindowResize(dialog, 200, 150));
     EXPECT_TRUE(sameLayout(first, layoutOf(dialog)));

@@ -15,7 +15,6 @@ class MailMsgTest : public ::testing::Test {
 protected:
   // The header names come from the string table, which a live agent has loaded.
   AgentSession session;
-
   // The fixture keeps every message it built until the test ends.
   CMailMsg &build(const std::string &bytes) {
     built_.push_back(std::make_unique<CMailMsg>());
