@@ -10,7 +10,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <ftw.h>
 #include <sstream>
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -25,23 +24,25 @@ TempDir::TempDir() {
   path_ = pattern;
 }
 
-static int removeEntry(const char *path, const struct stat *, int, struct FTW *) {
-  // Folders a test made unreadable must be readable again to be removed.
-  chmod(path, 0700);
-  return ::remove(path);
+namespace {
+
+// Removes `path` and all below it; folders a test made unreadable are made readable first.
+void removeTree(const std::filesystem::path &path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(std::filesystem::symlink_status(path, ignored))) {
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all,
+                                 std::filesystem::perm_options::add, ignored);
+    for (const auto &entry : std::filesystem::directory_iterator(path, ignored))
+      removeTree(entry.path());
+  }
+  std::filesystem::remove(path, ignored);
 }
 
+} // namespace
+
 TempDir::~TempDir() {
-  if (path_.empty())
-    return;
-  // Restore permissions top-down first so that the depth-first removal can enter everything.
-  nftw(path_.c_str(), [](const char *p, const struct stat *s, int type, struct FTW *) {
-         if (type == FTW_D || type == FTW_DNR)
-           chmod(p, 0700);
-         (void)s;
-         return 0;
-       }, 32, FTW_PHYS);
-  nftw(path_.c_str(), removeEntry, 32, FTW_DEPTH | FTW_PHYS);
+  if (!path_.empty())
+    removeTree(path_);
 }
 
 std::string TempDir::file(const std::string &relative) const { return path_ + "/" + relative; }
