@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,34 +28,16 @@ const Written kValues[] = {
     {false, "v", 0},  {false, "", 0},     {false, "q\"b\\s", 0}, {false, "\xC3\xA9\xFF", 0},
     {false, "\\", 0}, {true, nullptr, 0}, {true, nullptr, -1},   {true, nullptr, 0x12345678}};
 
-// What a reader sees of one value: absent, a string or a number.
-struct Seen {
-  int kind = 0; // 0: nothing readable, 1: a string, 2: a number
-  std::string text;
-  int32_t number = 0;
-  bool operator==(const Seen &other) const {
-    return kind == other.kind && text == other.text && number == other.number;
-  }
-};
-
-Seen readValue(const char *key, const char *name) {
-  Seen seen;
+// What a reader sees of one value: "" when nothing reads, else "s:" and the string or "n:"
+// and the number.
+std::string readValue(const char *key, const char *name) {
   CString text("unchanged");
   int32_t number = 0;
   const bool isText = GetRegValue(key, name, text) != 0;
   const bool isNumber = GetRegValue(key, name, &number) != 0;
   FUZZ_CHECK(!(isText && isNumber));
-  if (isText) {
-    seen.kind = 1;
-    seen.text = text.bytes();
-  } else {
-    FUZZ_CHECK(text == "unchanged"); // a failed read leaves the default alone
-  }
-  if (isNumber) {
-    seen.kind = 2;
-    seen.number = number;
-  }
-  return seen;
+  FUZZ_CHECK(isText || text == "unchanged"); // a failed read leaves the default alone
+  return isText ? "s:" + text.bytes() : isNumber ? "n:" + std::to_string(number) : "";
 }
 
 // The lines of a text, each without its line end (LF, or CR LF).
@@ -118,7 +99,7 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const std::string before(reinterpret_cast<const char *>(data + 3), size - 3);
   FUZZ_CHECK(writeBytes(path, reinterpret_cast<const uint8_t *>(before.data()), before.size()));
 
-  std::vector<Seen> seenBefore;
+  std::vector<std::string> seenBefore;
   for (const char *k : kKeys)
     for (const char *n : kNames)
       seenBefore.push_back(readValue(k, n));
@@ -129,19 +110,14 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const std::string after = fileText(path);
   FUZZ_CHECK(keepsOtherLines(linesOf(before), linesOf(after)));
   // The value reads back; every other value reads as before.
+  const std::string expected =
+      value.isNumber ? "n:" + std::to_string(value.number) : "s:" + std::string(value.text);
   size_t at = 0;
-  for (const char *k : kKeys) {
+  for (const char *k : kKeys)
     for (const char *n : kNames) {
-      const Seen seen = readValue(k, n);
       const bool same = CString(k).CompareNoCase(key) == 0 && CString(n).CompareNoCase(name) == 0;
-      if (!same) {
-        FUZZ_CHECK(seen == seenBefore[at++]);
-        continue;
-      }
+      FUZZ_CHECK(readValue(k, n) == (same ? expected : seenBefore[at]));
       ++at;
-      FUZZ_CHECK(seen.kind == (value.isNumber ? 2 : 1));
-      FUZZ_CHECK(value.isNumber ? seen.number == value.number : seen.text == value.text);
     }
-  }
   return 0;
 }
