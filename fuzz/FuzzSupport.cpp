@@ -14,7 +14,6 @@ void fuzzCheckFailed(const char *condition, const char *file, int line) {
 }
 
 namespace {
-
 std::string makeScratchDir() {
   struct stat status;
   const char *chosen = std::getenv("TUK_FUZZ_SCRATCH");
@@ -30,7 +29,6 @@ std::string makeScratchDir() {
   }
   return pattern;
 }
-
 } // namespace
 
 const std::string &scratchDir() {

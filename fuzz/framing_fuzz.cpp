@@ -17,7 +17,6 @@
 #include <vector>
 
 namespace {
-
 using Ranges = std::vector<std::pair<uint32_t, uint32_t>>;
 
 // The first byte a message of the client may start at.
@@ -73,7 +72,6 @@ template <class MailFile> int checkFraming(const uint8_t *data, size_t size) {
   FUZZ_CHECK(walkFraming(file, data, size) == ranges);
   return 0;
 }
-
 } // namespace
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {

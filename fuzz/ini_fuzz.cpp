@@ -14,11 +14,9 @@
 #include <string>
 
 namespace {
-
 const char *const kIniSections[] = {"Settings", "settings", "", "[x]", "a b"};
 const char *const kIniKeys[] = {"AttachFolder", "attachfolder", "", "=", "k k"};
 const char kDefault[] = "(default)";
-
 } // namespace
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {

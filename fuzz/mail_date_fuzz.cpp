@@ -9,11 +9,9 @@
 #include <string>
 
 namespace {
-
 bool within(int32_t value, int32_t low, int32_t high) {
   return value >= low && value <= high;
 }
-
 } // namespace
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {

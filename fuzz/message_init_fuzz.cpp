@@ -11,7 +11,6 @@
 #include <string>
 
 namespace {
-
 // The value of the first case-blind match of `name` inside the header block: from one byte
 // behind the name up to a CR, an LF or the end of the block.
 std::string referenceField(const CString &name, const uint8_t *data, uint32_t headerLength) {
@@ -21,7 +20,6 @@ std::string referenceField(const CString &name, const uint8_t *data, uint32_t he
     value += static_cast<char>(data[at++]);
   return value;
 }
-
 } // namespace
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {

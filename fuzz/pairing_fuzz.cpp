@@ -16,7 +16,6 @@
 #include <sys/stat.h>
 
 namespace {
-
 struct Extensions {
   const char *mail;
   const char *control;
@@ -81,7 +80,6 @@ std::string extensionOf(const std::string &path) {
   const size_t dot = last.rfind('.');
   return dot == std::string::npos ? std::string() : last.substr(dot);
 }
-
 } // namespace
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {

@@ -11,7 +11,6 @@
 #include <string>
 
 namespace {
-
 // An empty table of the index's columns: a MATCH of any readable expression runs on it.
 sqlite3 *engine() {
   static sqlite3 *const db = [] {
@@ -36,7 +35,6 @@ bool engineReads(const std::string &expression) {
   sqlite3_finalize(statement);
   return status == SQLITE_DONE || status == SQLITE_ROW;
 }
-
 } // namespace
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {

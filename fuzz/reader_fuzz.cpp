@@ -18,7 +18,6 @@
 #include <string_view>
 
 namespace {
-
 // GLib's check, not the reader's own: a fault in the reader's check must not hide the faults it
 // lets through. GLib refuses a zero byte, which UTF-8 allows: each run between them is checked.
 bool isUtf8(std::string_view text) {
@@ -45,7 +44,6 @@ size_t bodyStart(std::string_view input) {
     return input.size();
   return lf < crlf ? lf + 2 : crlf + 4;
 }
-
 } // namespace
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {

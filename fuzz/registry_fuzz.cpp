@@ -15,7 +15,6 @@
 #include <vector>
 
 namespace {
-
 const char *const kKeys[] = {
     "K", "k", "Software\\Tuk\\Agents\\MHEudora", "K\\DE", "a]b", "\"q\"", "x y", "[K]"};
 const char *const kNames[] = {"N", "n", "MailPath", "a\\\"b", "=", "", "N ", "\\"};
@@ -82,7 +81,6 @@ std::string fileText(const std::string &path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
-
 } // namespace
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {

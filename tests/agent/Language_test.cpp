@@ -7,7 +7,6 @@
 #include <cstdlib>
 
 namespace {
-
 class LanguageTest : public AgentStoreTest {
 protected:
   // Opens the whole of `text` as one message and returns (subject, time).
@@ -81,5 +80,4 @@ TEST_F(LanguageTest, TimeOfAMessageIsItsDateInLocalTime) {
   EXPECT_EQ(884860245 - 3 * 3600, open(dated).second);
   EXPECT_EQ(34214400 - 3 * 3600, open(undated).second);
 }
-
 } // namespace

@@ -9,7 +9,6 @@
 #include <set>
 
 namespace {
-
 TEST(Lifecycle, ClientIsChosenByTheFirstTagFoundInTheKey) {
   const struct {
     const char *key;
@@ -87,5 +86,4 @@ TEST(Exports, OnlyInitAgentLeavesTheLibrary) {
   EXPECT_EQ(0, pclose(pipe));
   EXPECT_EQ(std::set<std::string>{"initAgent"}, exported);
 }
-
 } // namespace

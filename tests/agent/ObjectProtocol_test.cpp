@@ -9,7 +9,6 @@
 #include <sys/stat.h>
 
 namespace {
-
 const TestMessage kUndated = {"", "ann@example.org", "bob@example.org", "", "Hello",
                               "The body.\nFrom here to there and back\n"};
 const TestMessage kDated = {"7 May 1997 11:02:33 GMT", "cy@example.org", "ann@example.org", "",
@@ -153,5 +152,4 @@ TEST_F(KeepObject, GoesByTheMailboxStamp) {
   setFileTime(path, 999999);  // a stamp that went backwards still counts as kept
   EXPECT_EQ(1, entries().keepObject(record.get(), 0));
 }
-
 } // namespace

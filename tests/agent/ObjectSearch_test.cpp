@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 namespace {
-
 std::string message(const std::string &subject) {
   return "From ???@??? Mon\r\nSubject: " + subject + "\r\n\r\nBody of " + subject + ".\r\n";
 }
@@ -95,5 +94,4 @@ TEST_F(ObjectSearchTest, StoresThatGiveNoObject) {
   EXPECT_EQ(StatusNoMoreObjects, findFirst(search, record));
   EXPECT_EQ(42u, search);
 }
-
 } // namespace

@@ -6,7 +6,6 @@
 #include <vector>
 
 namespace {
-
 using Bytes = std::vector<unsigned char>;
 
 // A property in little: the count, a name, an empty value and a type code. The empty string
@@ -61,5 +60,4 @@ TEST(AcdrTest, SmallBufferGetsNothingPastItsEndAndGetUsedCountsAll) {
   writeSample(sizing);
   EXPECT_EQ(full, sizing.getUsed());
 }
-
 }  // namespace

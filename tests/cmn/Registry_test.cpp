@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 namespace {
-
 // Each test gets a registry file of its own, named by $TUK_REGISTRY.
 class RegistryTest : public ::testing::Test {
 protected:
@@ -198,5 +197,4 @@ TEST_F(RegistryTest, FileFallsBackToXdgConfigThenHome) {
   EXPECT_EQ("home", readString("K", "Where"));
   EXPECT_TRUE(fileExists(dir_.file("home/.config/tuk/registry.reg")));
 }
-
 }  // namespace

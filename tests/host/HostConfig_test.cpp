@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 namespace {
-
 class HostConfigTest : public HostFixture, public ::testing::Test {
 protected:
   std::string registryLine(const std::string &name, const std::string &value) {
@@ -104,5 +103,4 @@ TEST_F(HostConfigTest, IndexesAThunderbirdProfileThroughTheNetscapeAgent) {
   const HostResult both = hostOk({"index"});
   EXPECT_EQ(2u, linesWith(both.out, "indexed: 0 new").size()) << both.out;
 }
-
 } // namespace

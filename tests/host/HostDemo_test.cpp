@@ -3,7 +3,6 @@
 #include "tests/host/HostFixture.h"
 
 namespace {
-
 TEST(HostDemoTest, RunsEveryStepOnAllFourClientsInItsOwnFolder) {
   HostFixture fixture;
   const std::string folder = fixture.dir.file("demo");
@@ -34,5 +33,4 @@ TEST(HostDemoTest, RunsEveryStepOnAllFourClientsInItsOwnFolder) {
   EXPECT_TRUE(refused(fixture.hostAlone({"demo", "--dir", folder}, environment), 1,
                       "not an empty folder"));
 }
-
 } // namespace

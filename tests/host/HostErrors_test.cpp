@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 namespace {
-
 const TestMessage kNote = {"Thu, 15 Jan 1998 10:30:45 +0000", "Ann Lee <ann@example.org>",
                            "team@example.org", "", "Status note", "All is well.\n"};
 
@@ -225,5 +224,4 @@ TEST_F(HostErrorsTest, WhatTheMailHoldsIsShownNeverObeyed) {
   const std::string id = std::to_string(hits[0].numbers.at("id"));
   EXPECT_TRUE(holds(host({"cat", "--raw", id}).out, "\x1b]0;"));
 }
-
 } // namespace

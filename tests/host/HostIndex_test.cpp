@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 namespace {
-
 const TestMessage kQuarterly = {
     "Thu, 15 Jan 1998 10:30:45 +0000", "Ann Lee <ann@example.org>", "team@example.org",
     "bob@example.org", "Quarterly report draft",
@@ -259,5 +258,4 @@ TEST(HostEudoraTest, ARecordTheWalkNoLongerGivesIsDroppedThoughItStillOpens) {
   EXPECT_EQ(1u, linesWith(run.out, "walk: not needed").size()) << run.out;
   EXPECT_TRUE(indexed(run, "0 new, 1 unchanged, 0 moved, 0 removed"));
 }
-
 } // namespace

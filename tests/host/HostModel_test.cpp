@@ -18,7 +18,6 @@
 #include <unistd.h>
 
 namespace {
-
 namespace fs = std::filesystem;
 
 unsigned long environmentNumber(const char *name, unsigned long fallback) {
@@ -396,5 +395,4 @@ TEST_F(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
     ASSERT_TRUE(difference.empty()) << "round " << round << "\n" << difference;
   }
 }
-
 } // namespace

@@ -16,7 +16,6 @@
 extern char **environ;
 
 namespace {
-
 // argv and envp of a program: `environment` added to this process's, TZ=UTC unless given.
 struct Command {
   Command(const std::string &program, const std::vector<std::string> &arguments,
@@ -56,7 +55,6 @@ struct Command {
   std::vector<std::string> words, variables;
   std::vector<char *> argv, envp;
 };
-
 } // namespace
 
 HostResult runProgram(const std::string &program, const std::vector<std::string> &arguments,

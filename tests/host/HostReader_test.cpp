@@ -6,7 +6,6 @@
 #include <sqlite3.h>
 
 namespace {
-
 class HostReaderTest : public HostFixture, public ::testing::Test {
 protected:
   void SetUp() override {
@@ -106,5 +105,4 @@ TEST_F(HostReaderTest, AnIndexOfTheOlderSchemaIsRebuiltNeverRead) {
   EXPECT_TRUE(holds(rebuilt.err, "was made by an older mhhost; it is rebuilt"));
   EXPECT_EQ(searchJson("xylophone").size(), 1u);
 }
-
 } // namespace

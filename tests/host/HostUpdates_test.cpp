@@ -6,7 +6,6 @@
 #include <cstdio>
 
 namespace {
-
 // What config set up is what index reads, indexed before or not; status shows it.
 TEST(HostStoresTest, IndexReadsEveryStoreConfigSetUpAndStatusListsThem) {
   HostFixture fixture;
@@ -130,5 +129,4 @@ TEST_F(HostIdsTest, NewestFirstHoldsWhateverOrderTheDatesComeIn) {
                           "ids"})
                         .out));
 }
-
 } // namespace

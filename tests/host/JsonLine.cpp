@@ -6,7 +6,6 @@
 #include <memory>
 
 namespace {
-
 using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)>;
 
 // `sql` over `line`, bound as ?1.
@@ -26,7 +25,6 @@ std::string textOf(const Statement &row, int column) {
   const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(row.get(), column));
   return text ? std::string(text, sqlite3_column_bytes(row.get(), column)) : std::string();
 }
-
 } // namespace
 
 bool parseJsonLine(const std::string &line, JsonObject &object) {

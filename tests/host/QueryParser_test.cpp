@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 time_t localTime(int year, int month, int day) {
   struct tm fields = {};
   fields.tm_year = year - 1900, fields.tm_mon = month - 1, fields.tm_mday = day;
@@ -97,5 +96,4 @@ TEST(QueryParserTest, AnyInputIsAQueryOrAnErrorAtAPlaceInIt) {
   EXPECT_FALSE(parseQuery(std::string(100000, '('), kNow, query, error));
   EXPECT_EQ(error.what, "the query nests too deep");
 }
-
 } // namespace

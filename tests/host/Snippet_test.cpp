@@ -7,7 +7,6 @@
 #include <memory>
 
 namespace {
-
 std::string snippetOf(const std::string &query, const std::string &text,
                       const std::string &column = "body") {
   sqlite3 *opened = nullptr;
@@ -42,5 +41,4 @@ TEST(SnippetTest, AWindowOfSixteenWordsAroundTheMostMatches) {
             snippet);
   EXPECT_EQ("w0 w1 [hit]", snippetOf("hit", "w0 w1 hit"));
 }
-
 } // namespace

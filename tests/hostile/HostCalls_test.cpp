@@ -10,7 +10,6 @@
 #include <memory>
 
 namespace {
-
 // Every object entry on `object`: each answers -4 and writes nothing.
 void expectNoObject(const AgentEntryTable &e, AgentHandle object) {
   char buffer[64];
@@ -206,5 +205,4 @@ TEST_F(HostCallsTest, SearchesAndObjectsAcrossTheEndOfALife) {
   EXPECT_EQ(StatusOk, entries().closeObject(object));
   expectNoObject(entries(), object);
 }
-
 } // namespace

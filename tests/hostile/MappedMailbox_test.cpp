@@ -14,7 +14,6 @@
 #include <unistd.h>
 
 namespace {
-
 constexpr size_t kPage = 4096;
 
 // A mailbox of `count` messages of about a page each, so that cutting it frees whole pages.
@@ -185,5 +184,4 @@ TEST_F(MappedMailboxTest, AMailboxChurningUnderManyWalks) {
   churn.join();
   EXPECT_GT(walks, 0);
 }
-
 } // namespace

@@ -17,7 +17,6 @@ TUK_FUZZ_TARGETS
 #undef FUZZ_TARGET
 
 namespace {
-
 struct Target {
   const char *name;
   int (*check)(const uint8_t *data, size_t size);
@@ -71,5 +70,4 @@ INSTANTIATE_TEST_SUITE_P(Targets, PastInputs, ::testing::ValuesIn(kTargets),
                          [](const ::testing::TestParamInfo<Target> &info) {
                            return std::string(info.param.name);
                          });
-
 } // namespace

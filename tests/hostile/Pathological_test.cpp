@@ -20,7 +20,6 @@
 #include <unistd.h>
 
 namespace {
-
 constexpr unsigned kBound = 60; // seconds; each case takes well under one when linear
 
 // True when `work` ends within `seconds` in a child, returning true.
@@ -116,5 +115,4 @@ TEST_F(PathologicalTest, AnIniFileThatIsAPipeOrAFolder) {
     })) << path;
   }
 }
-
 } // namespace

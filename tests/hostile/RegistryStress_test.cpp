@@ -14,7 +14,6 @@
 #include <unistd.h>
 
 namespace {
-
 using Clock = std::chrono::steady_clock;
 
 std::string valueName(int writer, int round, int at) {
@@ -143,5 +142,4 @@ TEST_F(RegistryStressTest, WritersKilledAtRandomMomentsLoseNoValueThatWasWritten
   CString text;
   EXPECT_NE(0, GetRegValue("Stress", "Before", text));
 }
-
 } // namespace

@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 namespace {
-
 class RunObjectUnderChangeTest : public AgentStoreTest {
 protected:
   void SetUp() override {
@@ -97,5 +96,4 @@ TEST_F(RunObjectUnderChangeTest, TheWindowOfAMessageStaysWhileTheMailboxIsRewrit
   EXPECT_EQ(StatusOk, run(found.records[1]));
   EXPECT_EQ((std::vector<int32_t>{TUK_USER_MODAL_DIALOG, TUK_USER_MESSAGE_BOX}), shown());
 }
-
 } // namespace

@@ -17,7 +17,6 @@
 #include <unistd.h>
 
 namespace {
-
 using Clock = std::chrono::steady_clock;
 
 using StoreShapesTest = AgentStoreTest;
@@ -158,5 +157,4 @@ TEST_F(StoreShapesTest, AFolderThatCannotBeReadEndsTheScanAndAMailboxIsPassedOve
   clearFileOperationFailures();
   EXPECT_EQ((std::vector<std::string>{mail + "/A.mbx", mail + "/Locked/C.mbx"}), pathsOf(found));
 }
-
 } // namespace

@@ -13,7 +13,6 @@
 #include <vector>
 
 namespace {
-
 typedef std::vector<std::pair<std::string, DWORD>> Listing;
 
 // Everything the search for `pattern` delivers, in order; empty when the first call fails.
@@ -43,7 +42,6 @@ DWORD firstFindError(const std::string &pattern) {
   ScopedHandle search(FindFirstFileA(pattern.c_str(), &found));
   return search.valid() ? 0 : GetLastError();
 }
-
 }  // namespace
 
 TEST(DirListTest, DotsComeFirstThenNamesInByteOrderOfTheirUpperCase) {

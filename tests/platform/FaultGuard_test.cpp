@@ -23,7 +23,6 @@
 #endif
 
 namespace {
-
 size_t pageSize() { return static_cast<size_t>(sysconf(_SC_PAGESIZE)); }
 
 bool guardedRead(const unsigned char *at, unsigned char &value) {
@@ -91,7 +90,6 @@ bool diedOfBusError(int status) {
   return false;
 #endif
 }
-
 }  // namespace
 
 TEST_F(TruncatedMapping, AReadPastTheNewEndFailsAndLaterReadsStillWork) {

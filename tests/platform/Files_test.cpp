@@ -17,7 +17,6 @@
 #include <unistd.h>
 
 namespace {
-
 HANDLE openForReading(const std::string &path) {
   return CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -44,7 +43,6 @@ DWORD openError(const std::string &path) {
   ScopedHandle file(openForReading(path));
   return file.valid() ? 0 : GetLastError();
 }
-
 }  // namespace
 
 TEST(FilesTest, AViewTheSystemRefusesReportsWhyAndLeavesNothingOpen) {

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 const char kHelpFile[] = "Preamble, never shown.\n"
                          "@7 Seven\r\n"
                          "\r\n"
@@ -60,5 +59,4 @@ TEST_F(HelpTest, NothingIsShownWithoutPairTopicFileOrTheRightCommand) {
       WinHelpA(nullptr, helpFile.c_str(), HELP_WM_HELP, reinterpret_cast<ULONG_PTR>(good)));
   EXPECT_TRUE(user.events.empty());
 }
-
 } // namespace

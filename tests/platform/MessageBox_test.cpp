@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 TEST(MessageBoxTest, TheUserSeesTheBoxAndOnlyItsButtonsCount) {
   const struct {
     UINT type;
@@ -35,5 +34,4 @@ TEST(MessageBoxTest, TheUserSeesTheBoxAndOnlyItsButtonsCount) {
   EXPECT_EQ(0u, user.events[3].window); // an owner that is no window
   tukFrameDestroy(frame);
 }
-
 } // namespace

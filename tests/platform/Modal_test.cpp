@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 class ModalTest : public ::testing::Test {
 protected:
   TestModuleScope module;
@@ -50,5 +49,4 @@ TEST_F(ModalTest, TheUserGetsTheShownDialogAndItsEndingIsTheResult) {
     EXPECT_EQ(nullptr, dialog.m_hWnd);
   }
 }
-
 } // namespace

@@ -9,7 +9,6 @@
 #include <thread>
 
 namespace {
-
 CModule firstModule = {nullptr, &firstModule, nullptr};
 CModule secondModule = {nullptr, &secondModule, nullptr};
 
@@ -67,5 +66,4 @@ TEST(WinApp, HelpFilePathsArePrivateHeapStringsTheDestructorFrees) {
   EXPECT_STREQ(plain.m_pszHelpFilePath, "");
   EXPECT_STREQ(helpful.m_pszHelpFilePath, "/opt/help/mail.hlp");
 }
-
 }  // namespace

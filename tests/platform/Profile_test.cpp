@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 class ProfileTest : public ::testing::Test {
 protected:
   // The value and the count, as one string "count:value".
@@ -54,5 +53,4 @@ TEST_F(ProfileTest, CopiesAtMostSizeLessOneAndCountsWhatItCopied) {
   EXPECT_EQ(0u, GetPrivateProfileStringA("S", "K", "d", untouched, 0, ini.c_str()));
   EXPECT_STREQ("xyz", untouched);
 }
-
 } // namespace

@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 namespace {
-
 struct ListFreer {
   void operator()(ITEMIDLIST *list) const { CoTaskMemFree(list); }
 };
@@ -111,5 +110,4 @@ TEST(IconTest, ARegularFileHasOneStableIndexInBothListsAndOthersHaveNone) {
   EXPECT_EQ(-1, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
   EXPECT_EQ(large, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
 }
-
 } // namespace

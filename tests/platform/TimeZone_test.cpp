@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 TEST(TimeZoneTest, OffsetsAndConversionsFollowTheZoneRead) {
   struct tm fields = {};
   fields.tm_year = 98;
@@ -38,5 +37,4 @@ TEST(TimeZoneTest, TheSourceTellsAChangeOfTz) {
   const ScopedEnvironment none("TZ", std::nullopt, readTimeZone);
   EXPECT_FALSE(ZoneSource::now().set);
 }
-
 } // namespace

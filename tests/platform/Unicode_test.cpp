@@ -8,7 +8,6 @@
 #include <string>
 
 namespace {
-
 std::string toBytes(const std::u16string &wide, int length = -1) {
   const int size =
       WideCharToMultiByte(CP_ACP, 0, wide.c_str(), length, nullptr, 0, nullptr, nullptr);
@@ -45,5 +44,4 @@ TEST(UnicodeTest, BytesToWideRefusesMalformedTextOnlyWhenAsked) {
   EXPECT_EQ(0, MultiByteToWideChar(CP_UTF8, 0, "abc", -1, wide, 3));
   EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
 }
-
 } // namespace

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 TEST(WindowApiTest, AFrameIsAVisibleTopLevelWindowWithTheGivenClientArea) {
   const TukWindow frame = tukFrameCreate("Settings", 200, 100);
   ASSERT_NE(0u, frame);
@@ -63,5 +62,4 @@ TEST(WindowApiTest, BadHandlesAndNullPointersFailQuietly) {
   tukFrameDestroy(frame);
   EXPECT_EQ(0u, tukWindowFocused());
 }
-
 } // namespace

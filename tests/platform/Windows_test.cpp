@@ -9,7 +9,6 @@
 #include <memory>
 
 namespace {
-
 bool sameRect(const TukRect &rect, int left, int top, int right, int bottom) {
   return rect.left == left && rect.top == top && rect.right == right && rect.bottom == bottom;
 }
@@ -141,5 +140,4 @@ TEST_F(WindowsTest, WindowsAndObjectsLetGoOfEachOther) {
   EXPECT_EQ(-1, tukWindowGetText(secondEdit, nullptr, 0));
   EXPECT_TRUE(childWindows(frame).empty());
 }
-
 } // namespace

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
 std::string textOf(std::string_view html) {
   std::string out;
   appendHtmlText(html, out);
@@ -70,5 +69,4 @@ TEST(HtmlText, HostileShapesReturnValidText) {
     }
   }
 }
-
 } // namespace

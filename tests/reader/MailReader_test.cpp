@@ -10,7 +10,6 @@
 #include <ctime>
 
 namespace {
-
 TEST(CharsetTest, EveryInputBecomesValidUtf8) {
   const struct {
     std::string bytes, charset, utf8;
@@ -119,5 +118,4 @@ TEST(MailReaderTest, UuencodedFilesInPlainTextAreAttachments) {
   EXPECT_EQ(message.attachments[0].name, "cat.txt");
   EXPECT_EQ(message.attachments[0].size, 3u);
 }
-
 } // namespace

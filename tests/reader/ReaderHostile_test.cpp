@@ -10,7 +10,6 @@
 #include <string_view>
 
 namespace {
-
 constexpr unsigned kBound = 300; // seconds: a hang, not a slow sanitized build
 
 // glib's check, not the reader's own, so that a fault in the latter cannot hide. It refuses
@@ -126,5 +125,4 @@ TEST(ReaderHostile, FiftyMegabyteBase64LineIsDecodedWhole) {
     }
   }
 }
-
 } // namespace

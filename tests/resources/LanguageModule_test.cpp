@@ -17,7 +17,6 @@
 extern const ResourceTable agentResourceTable;
 
 namespace {
-
 // The agent's table as a module of this program, which lies in the build's output directory
 // beside the language modules.
 CModule agentTestModule = {&agentResourceTable, &agentTestModule, nullptr};
@@ -146,5 +145,4 @@ TEST_F(LanguageModule, FreeLibraryReleasesOnlyWhatLoadLibraryLoaded) {
   // The state no longer points at the released module.
   EXPECT_EQ(AfxGetResourceHandle(), &agentTestModule);
 }
-
 }  // namespace

@@ -8,7 +8,6 @@
 #include <sys/wait.h>
 
 namespace {
-
 struct RcgenRun {
   int exitStatus;
   std::string errors;
@@ -76,5 +75,4 @@ TEST(Rcgen, BadScriptsFailWithFileAndLine) {
     EXPECT_FALSE(run.wroteOutput);
   }
 }
-
 }  // namespace

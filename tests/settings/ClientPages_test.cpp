@@ -3,7 +3,6 @@
 #include "tests/settings/SettingsFixture.h"
 
 namespace {
-
 class ClientPageTest : public SettingsTest, public ::testing::WithParamInterface<Client> {
 protected:
   void SetUp() override {
@@ -179,5 +178,4 @@ TEST_F(SettingsTest, APageWithoutAParentOrOpenedTwiceKeepsTheStoredValues) {
 
 INSTANTIATE_TEST_SUITE_P(Clients, ClientPageTest, ::testing::ValuesIn(allClients()),
                          [](const auto &info) { return std::string(info.param.name); });
-
 } // namespace

@@ -4,7 +4,6 @@
 #include "tests/settings/SettingsFixture.h"
 
 namespace {
-
 const std::string kKey = "Software\\Tuk\\Agents\\MHEudora";
 const std::string kFileKey = "Software\\Tuk\\Agents\\File";
 
@@ -157,5 +156,4 @@ TEST_F(EudoraSettingsTest, AFailedWriteStopsTheStoreAndIsOnlyLogged) {
   type(page, kMailEdit, "m");
   EXPECT_EQ(1, entries().Validate(1));
 }
-
 } // namespace

@@ -6,7 +6,6 @@
 #include <cstdio>
 
 namespace {
-
 class IconTest : public SettingsTest, public ::testing::WithParamInterface<Client> {
 protected:
   void SetUp() override { start(GetParam().key); }
@@ -70,5 +69,4 @@ TEST_P(IconTest, OneIndexOfTheTwoIsGivenAndBothAreAskedForNextTime) {
 
 INSTANTIATE_TEST_SUITE_P(Clients, IconTest, ::testing::ValuesIn(allClients()),
                          [](const auto &info) { return std::string(info.param.name); });
-
 } // namespace

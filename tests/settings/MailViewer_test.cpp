@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 namespace {
-
 const std::string kHeaders = "x\r\nTo: ann@example.org\r\nFrom: bob@example.org\r\n"
                              "Cc: cy@example.org\r\nDate: Mon, 2 Mar 1998 10:00:00 +0000\r\n"
                              "Subject: Hello\r\n\r\n";
@@ -163,5 +162,4 @@ TEST_F(ViewerLayoutTest, TheWindowGrowsAndShrinksByTheRulesButNeverBelowItsFirst
   EXPECT_EQ(StatusOk, entries().RunObject(record.get()));
   EXPECT_TRUE(ran);
 }
-
 } // namespace

@@ -9,7 +9,6 @@
 #include <cstring>
 
 namespace {
-
 // A folder that names every list in the form the test asks for.
 class ScriptedFolder final : public IShellFolder {
 public:
@@ -58,5 +57,4 @@ TEST(PathFromIdListTest, EachFormGivesThePathAndEveryFailureLeavesItAlone) {
   folder.result = E_INVALIDARG;
   EXPECT_EQ("untouched", pathIn(&folder, STRRET_CSTR, 0));
 }
-
 } // namespace

@@ -14,7 +14,6 @@
 #include <vector>
 
 namespace {
-
 using Bytes = std::vector<unsigned char>;
 
 Bytes randomBytes(std::mt19937 &random, size_t length, const std::string &alphabet) {
@@ -170,5 +169,4 @@ TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
     }
   });
 }
-
 } // namespace

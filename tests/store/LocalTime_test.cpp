@@ -9,7 +9,6 @@
 #include <vector>
 
 namespace {
-
 time_t viaMktime(struct tm fields) {
   fields.tm_isdst = -1;
   return std::mktime(&fields);
@@ -74,5 +73,4 @@ TEST(LocalTime, FollowsTheZoneFromTheNextRefresh) {
   }
   EXPECT_EQ(6 * 3600, inNewYork - inBerlin);
 }
-
 } // namespace

@@ -8,7 +8,6 @@
 #include <array>
 
 namespace {
-
 TEST(MailDateTest, ReadsTheSixNumbersOrNone) {
   AgentSession session; // month names come from the string table of a live agent
   const struct {
@@ -49,5 +48,4 @@ TEST(MailDateTest, ReadsTheSixNumbersOrNone) {
     EXPECT_EQ(c.valid ? c.fields : none, fields) << '"' << c.text << '"';
   }
 }
-
 } // namespace

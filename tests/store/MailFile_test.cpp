@@ -21,7 +21,6 @@
 #include <vector>
 
 namespace {
-
 using Ranges = std::vector<std::pair<uint32_t, uint32_t>>;
 
 const std::string kEudora(reinterpret_cast<const char *>(kEudoraDelimiter), 12);
@@ -254,5 +253,4 @@ TEST_F(MailFileTest, AMailboxCutShortUnderItsMappingFailsThatMessageOnly) {
   ASSERT_NE(nullptr, head);
   EXPECT_EQ(referenceChecksum(std::string(100, 'a')), head->checksum);
 }
-
 } // namespace

@@ -10,7 +10,6 @@
 #include <vector>
 
 namespace {
-
 class MailMsgTest : public ::testing::Test {
 protected:
   // The header names come from the string table, which a live agent has loaded.
@@ -127,5 +126,4 @@ TEST_F(MailMsgTest, ReadsAreShortAtTheEndAndEmptyForZero) {
   EXPECT_EQ("cdef", std::string(buffer, got));
   EXPECT_EQ(-9, message.read(buffer, 10, &got));
 }
-
 } // namespace

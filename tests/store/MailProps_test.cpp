@@ -9,7 +9,6 @@
 #include <cstring>
 
 namespace {
-
 // The block as a host reads it: little-endian words aligned on 4 from the start, strings as
 // a count with the terminator, the bytes and the terminator.
 class ExpectedBlock {
@@ -108,5 +107,4 @@ TEST_F(MailPropsTest, NameTableHoldsPointersIntoItself) {
   }
   EXPECT_EQ(0xEE, table[expectedSize]);
 }
-
 } // namespace

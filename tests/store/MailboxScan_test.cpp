@@ -9,7 +9,6 @@
 #include <vector>
 
 namespace {
-
 using Names = std::vector<std::string>;
 
 // The list's elements, with the folder `root` written as "~".
@@ -95,5 +94,4 @@ TEST_F(MailboxScanTest, MailFilesPairWithAControlFileOfTheirStem) {
     EXPECT_EQ(c.expected, elements(list, store.path()));
   }
 }
-
 } // namespace

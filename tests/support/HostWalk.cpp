@@ -8,7 +8,6 @@
 #include <cstring>
 
 namespace {
-
 int32_t find(const AgentEntryTable &e, bool first, AgentHandle &search, KeptRecord &record) {
   RecordBuffer buffer;
   int32_t time = 0;
@@ -21,7 +20,6 @@ int32_t find(const AgentEntryTable &e, bool first, AgentHandle &search, KeptReco
   }
   return status;
 }
-
 } // namespace
 
 int32_t findFirst(const AgentEntryTable &e, AgentHandle &search, KeptRecord &record) {

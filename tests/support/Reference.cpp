@@ -25,11 +25,9 @@ uint32_t referenceHeaderLength(const uint8_t *bytes, uint32_t length) {
 }
 
 namespace {
-
 uint8_t lower(uint8_t byte) {
   return byte >= 'A' && byte <= 'Z' ? static_cast<uint8_t>(byte + 32) : byte;
 }
-
 } // namespace
 
 int32_t referenceFieldStart(const std::string &name, const uint8_t *block, uint32_t searchLength) {

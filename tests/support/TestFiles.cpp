@@ -25,7 +25,6 @@ TempDir::TempDir() {
 }
 
 namespace {
-
 // Removes `path` and all below it; folders a test made unreadable are made readable first.
 void removeTree(const std::filesystem::path &path) {
   std::error_code ignored;
@@ -37,7 +36,6 @@ void removeTree(const std::filesystem::path &path) {
   }
   std::filesystem::remove(path, ignored);
 }
-
 } // namespace
 
 TempDir::~TempDir() {
