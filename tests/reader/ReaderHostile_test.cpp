@@ -18,10 +18,14 @@ bool isUtf8(const std::string &text) {
   return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != 0;
 }
 
+// Valid UTF-8 everywhere, and no control character in a header field.
 void expectReadable(const ReadMessage &message) {
   for (const std::string *field : {&message.subject, &message.from, &message.to, &message.cc,
                                    &message.text, &message.attachmentText})
     EXPECT_TRUE(isUtf8(*field)) << field->substr(0, 200);
+  for (const std::string *field : {&message.subject, &message.from, &message.to, &message.cc})
+    for (const char c : *field)
+      EXPECT_FALSE(static_cast<unsigned char>(c) < 0x20 || c == 0x7F) << *field;
   for (const MailAttachment &attachment : message.attachments)
     EXPECT_TRUE(isUtf8(attachment.name) && isUtf8(attachment.type)) << attachment.name;
 }
@@ -37,13 +41,11 @@ ReadMessage read(std::string_view whole) {
   return message;
 }
 
-struct KeptSample {
-  const char *file;
-  const char *kept; // found in the text, or in the header fields for a header-only sample
-};
-
 TEST(ReaderHostile, SamplesKeepTheTextTheyHold) {
-  const KeptSample samples[] = {
+  const struct {
+    const char *file;
+    const char *kept; // found in the text, or in the header fields for a header-only sample
+  } samples[] = {
       {"unclosed-boundary.eml", "The last part never sees its boundary again."},
       {"unknown-charset.eml", "Caf\xC3\xA9 au lait"},
       {"truncated-base64.eml", "Decoded text survives the cut"},
@@ -52,7 +54,7 @@ TEST(ReaderHostile, SamplesKeepTheTextTheyHold) {
       // Not broken, but every uuencoded body opens with a line that is not data.
       {"uuencoded.eml", "Uuencoded text comes out whole."},
   };
-  for (const KeptSample &sample : samples) {
+  for (const auto &sample : samples) {
     SCOPED_TRACE(sample.file);
     const ReadMessage message =
         read(readFile(std::string(TUK_SOURCE_DIR "/tests/reader/cases/") + sample.file));
@@ -60,16 +62,11 @@ TEST(ReaderHostile, SamplesKeepTheTextTheyHold) {
                             message.text;
     EXPECT_NE(all.find(sample.kept), std::string::npos) << all;
   }
-}
-
-TEST(ReaderHostile, MalformedEncodedWordsLeaveNoControlCharacters) {
-  const ReadMessage message =
-      read(readFile(TUK_SOURCE_DIR "/tests/reader/cases/malformed-encoded-words.eml"));
-  for (const std::string *field : {&message.subject, &message.from, &message.to, &message.cc})
-    for (const char c : *field)
-      EXPECT_FALSE(static_cast<unsigned char>(c) < 0x20 || c == 0x7F) << *field;
-  EXPECT_NE(message.subject.find("plain"), std::string::npos) << message.subject;
-  EXPECT_NE(message.subject.find("end"), std::string::npos) << message.subject;
+  // The words around the malformed encoded words stay in the subject.
+  const std::string subject =
+      read(readFile(TUK_SOURCE_DIR "/tests/reader/cases/malformed-encoded-words.eml")).subject;
+  EXPECT_TRUE(subject.find("plain") != std::string::npos && subject.find("end") != std::string::npos)
+      << subject;
 }
 
 TEST(ReaderHostile, DeepNestOfMultipartsKeepsItsInnermostText) {
