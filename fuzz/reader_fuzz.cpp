@@ -11,9 +11,8 @@
 #include "host/reader/HtmlText.h"
 #include "host/reader/MailReader.h"
 
-#include <glib.h>
-
 #include <algorithm>
+#include <glib.h>
 #include <string>
 #include <string_view>
 

@@ -3,9 +3,8 @@
 // hostile/HostCalls.)
 #include "tests/support/LoadedAgent.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <set>
 
 namespace {

@@ -2,7 +2,6 @@
 #include "cmn/Acdr.h"
 
 #include <gtest/gtest.h>
-
 #include <vector>
 
 namespace {

@@ -4,7 +4,6 @@
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
-
 #include <random>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -3,7 +3,6 @@
 #include "host/Snippet.h"
 
 #include <gtest/gtest.h>
-
 #include <memory>
 
 namespace {

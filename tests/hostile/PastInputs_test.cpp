@@ -4,11 +4,10 @@
 // end cleanly.
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <cstdlib>
 #include <dirent.h>
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 // Each target's entry, compiled once more as fuzz_<target> (tests/CMakeLists.txt).

@@ -11,10 +11,9 @@
 #include "tests/support/AgentSession.h"
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdarg>
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>

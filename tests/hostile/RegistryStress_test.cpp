@@ -5,10 +5,9 @@
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <csignal>
+#include <gtest/gtest.h>
 #include <random>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -2,7 +2,6 @@
 #include "platform/CString.h"
 
 #include <gtest/gtest.h>
-
 #include <string>
 
 TEST(CStringTest, CaseTouchesOnlyAsciiLettersAndCutsClampToTheString) {

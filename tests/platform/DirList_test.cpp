@@ -4,9 +4,8 @@
 #include "platform/FilesFaults.h"
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>

@@ -4,11 +4,10 @@
 #include "platform/Files.h"
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <thread>

@@ -7,11 +7,10 @@
 #include "platform/FilesFaults.h"
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <dirent.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>

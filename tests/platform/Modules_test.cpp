@@ -2,10 +2,9 @@
 // application object that a state names.
 #include "platform/Modules.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <thread>
 
 namespace {

@@ -6,7 +6,6 @@
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
-
 #include <memory>
 #include <unistd.h>
 

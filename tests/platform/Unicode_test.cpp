@@ -4,7 +4,6 @@
 #include "platform/Unicode.h"
 
 #include <gtest/gtest.h>
-
 #include <string>
 
 namespace {

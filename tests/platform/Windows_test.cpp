@@ -5,7 +5,6 @@
 #include "tests/platform/TestDialogs.h"
 
 #include <gtest/gtest.h>
-
 #include <memory>
 
 namespace {

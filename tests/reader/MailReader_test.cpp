@@ -5,9 +5,8 @@
 #include "host/reader/MailDates.h"
 #include "host/reader/MailReader.h"
 
-#include <gtest/gtest.h>
-
 #include <ctime>
+#include <gtest/gtest.h>
 
 namespace {
 TEST(CharsetTest, EveryInputBecomesValidUtf8) {

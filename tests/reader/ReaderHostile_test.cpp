@@ -6,7 +6,6 @@
 
 #include <glib.h>
 #include <gtest/gtest.h>
-
 #include <string_view>
 
 namespace {

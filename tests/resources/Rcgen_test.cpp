@@ -2,9 +2,8 @@
 // nothing then. (What it compiles is checked through the tables it made for the build.)
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 namespace {

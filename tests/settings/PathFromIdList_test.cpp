@@ -4,9 +4,8 @@
 #include "settings/PropPage.h"
 #include "tests/support/AgentSession.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 
 namespace {
 // A folder that names every list in the form the test asks for.

@@ -13,7 +13,6 @@
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
-
 #include <memory>
 #include <ostream>
 

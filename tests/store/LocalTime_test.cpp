@@ -5,7 +5,6 @@
 #include "tests/support/ScopedEnvironment.h"
 
 #include <gtest/gtest.h>
-
 #include <vector>
 
 namespace {

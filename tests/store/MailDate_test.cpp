@@ -3,9 +3,8 @@
 
 #include "tests/support/AgentSession.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
+#include <gtest/gtest.h>
 
 namespace {
 TEST(MailDateTest, ReadsTheSixNumbersOrNone) {

@@ -4,9 +4,8 @@
 #include "store/MailMsg.h"
 #include "tests/support/AgentSession.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 
 namespace {
 // The block as a host reads it: little-endian words aligned on 4 from the start, strings as

@@ -3,9 +3,8 @@
 
 #include "tests/support/AgentSession.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 
 namespace {
 int32_t find(const AgentEntryTable &e, bool first, AgentHandle &search, KeptRecord &record) {

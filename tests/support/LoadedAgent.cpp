@@ -1,11 +1,10 @@
 // tuk_mhmail.so loaded as a host loads it.
 #include "tests/support/LoadedAgent.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdarg>
 #include <cstdio>
 #include <dlfcn.h>
+#include <gtest/gtest.h>
 
 std::string LoadedAgent::libraryPath() { return std::string(TUK_BIN_DIR) + "/tuk_mhmail.so"; }
 

@@ -1,8 +1,6 @@
 // Files and folders for tests.
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -10,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <sstream>
 #include <sys/stat.h>
 #include <sys/time.h>
