@@ -1,13 +1,101 @@
 // The headless window system: dialogs made from templates, messages through message maps,
-// what a person does through the C API, and the lives of windows and their objects.
+// what a person does through the C API, modal dialogs handed to the person, and the lives of
+// windows and their objects. (Dragging, minimising and restoring a dialog's frame: the View
+// Email window in settings/MailViewer.)
+#include "platform/Dialogs.h"
+#include "platform/Resources.h"
 #include "platform/Window.h"
 #include "tests/platform/ScriptedUser.h"
-#include "tests/platform/TestDialogs.h"
 
 #include <gtest/gtest.h>
+#include <iterator>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace {
+// Dialog templates of the tests' own, a module state that serves them, and a dialog class
+// that records the messages its map gets.
+enum : UINT { kChildTemplate = 500, kPopupTemplate = 501 };
+enum : int { kEditId = 10, kGoId = 11, kCheckId = 12 };
+
+const DialogItem kChildItems[] = {
+    {kEditId, "EDIT", "", 10, 20, 80, 16, 0x50810080, 0},
+    {kGoId, "BUTTON", "Go", 100, 20, 40, 16, 0x50010000, 0},
+    {kCheckId, "BUTTON", "Box", 10, 50, 60, 10, 0x50010003, 0},
+    {-1, "STATIC", "Label", 10, 5, 40, 8, 0x50020000, 0},
+    {IDOK, "BUTTON", "OK", 100, 60, 50, 14, 0x40010001, 0},
+};
+const DialogItem kPopupItems[] = {
+    {kEditId, "EDIT", "", 7, 7, 100, 15, 0x50810880, 0},
+};
+// A hidden child page, and a visible sizable popup with a caption (as the viewer's).
+const DialogTemplate kTestDialogs[] = {
+    {kChildTemplate, 0x40000040, 0x00010000, 4, 8, 200, 100, "", "MS Sans Serif", 8, 1, 1,
+     kChildItems, static_cast<uint32_t>(std::size(kChildItems))},
+    {kPopupTemplate, 0x90CE0244, 0, 0, 0, 200, 120, "Popup", "MS Sans Serif", 8, 0, 0, kPopupItems,
+     static_cast<uint32_t>(std::size(kPopupItems))},
+};
+const ResourceTable kTestResources = {nullptr, 0, kTestDialogs,
+                                             static_cast<uint32_t>(std::size(kTestDialogs))};
+CModule testModule = {&kTestResources, &testModule, nullptr};
+
+// Makes the test module current, as an entry of a library makes its own module current.
+class TestModuleScope {
+public:
+  TestModuleScope() : guard_(&state_) {}
+
+private:
+  AFX_MODULE_STATE state_ = {&testModule, &testModule, nullptr};
+  AFX_MAINTAIN_STATE guard_;
+};
+
+class RecordingDialog : public CDialog {
+public:
+  explicit RecordingDialog(UINT templateId = kChildTemplate) : CDialog(templateId) {}
+
+  const MessageMap *GetMessageMap() const override {
+    static const MessageMapEntry entries[] = {
+        commandEntry<&RecordingDialog::onGo>(kGoId),
+        sizeEntry<&RecordingDialog::onSize>(),
+        helpEntry<&RecordingDialog::onHelp>(),
+    };
+    static const MessageMap map = {CDialog::GetMessageMap(), entries, std::size(entries)};
+    return &map;
+  }
+  void DoDataExchange(CDataExchange *dx) override {
+    DDX_Control(dx, kEditId, edit);
+    if (GetDlgItem(kCheckId) != nullptr)
+      DDX_Check(dx, kCheckId, checked);
+  }
+  BOOL OnInitDialog() override {
+    log.push_back("init with " + std::to_string(GetDlgItem(kEditId) != nullptr) + " edit");
+    return CDialog::OnInitDialog();
+  }
+  void OnOK() override {
+    log.push_back("ok");
+    CDialog::OnOK();
+  }
+  void OnCancel() override {
+    log.push_back("cancel");
+    CDialog::OnCancel();
+  }
+
+  void onGo() { log.push_back("go"); }
+  void onSize(UINT type, int width, int height) {
+    log.push_back("size " + std::to_string(type) + " " + std::to_string(width) + "x" +
+                  std::to_string(height));
+  }
+  BOOL onHelp(HELPINFO *info) {
+    log.push_back("help " + std::to_string(info->iCtrlId));
+    return TRUE;
+  }
+
+  CEdit edit;
+  int checked = 1;
+  std::vector<std::string> log;
+};
+
 bool sameRect(const TukRect &rect, int left, int top, int right, int bottom) {
   return rect.left == left && rect.top == top && rect.right == right && rect.bottom == bottom;
 }
@@ -138,5 +226,49 @@ TEST_F(WindowsTest, WindowsAndObjectsLetGoOfEachOther) {
   EXPECT_EQ(-1, tukWindowGetInfo(secondPage, nullptr));
   EXPECT_EQ(-1, tukWindowGetText(secondEdit, nullptr, 0));
   EXPECT_TRUE(childWindows(frame).empty());
+}
+// Modal dialogs and the process-wide user: DoModal hands the dialog to the person, whose
+// Enter is OK and Esc Cancel; nobody at all means Cancel and no window.
+class ModalTest : public ::testing::Test {
+protected:
+  TestModuleScope module;
+  RecordingDialog dialog{kPopupTemplate};
+};
+
+TEST_F(ModalTest, WithoutAUserNothingIsShownAndTheAnswerIsCancel) {
+  const size_t windowsBefore = childWindows(0).size();
+  EXPECT_EQ(IDCANCEL, dialog.DoModal());
+  EXPECT_TRUE(dialog.log.empty()); // not even made
+  EXPECT_EQ(windowsBefore, childWindows(0).size());
+}
+
+TEST_F(ModalTest, TheUserGetsTheShownDialogAndItsEndingIsTheResult) {
+  ScriptedUser user;
+  const struct {
+    int32_t key; // 0: the user leaves it open
+    INT_PTR result;
+    const char *handler;
+  } cases[] = {
+      {TUK_KEY_ENTER, IDOK, "ok"}, {TUK_KEY_ESCAPE, IDCANCEL, "cancel"}, {0, IDCANCEL, "cancel"}};
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.key);
+    TukWindow shown = 0;
+    user.onModal = [&](TukWindow window) {
+      shown = window;
+      const TukWindowInfo info = windowInfo(window);
+      EXPECT_EQ(1, info.visible);
+      EXPECT_EQ(0u, info.parent);
+      EXPECT_EQ("Popup", windowText(window));
+      if (c.key != 0) {
+        EXPECT_EQ(0, tukWindowPressKey(tukWindowFindChild(window, kEditId), c.key));
+      }
+    };
+    dialog.log.clear();
+    EXPECT_EQ(c.result, dialog.DoModal());
+    EXPECT_EQ(c.handler, dialog.log.back());
+    EXPECT_EQ("Popup", user.last(TUK_USER_MODAL_DIALOG)->text);
+    EXPECT_EQ(-1, tukWindowGetInfo(shown, nullptr)); // gone when DoModal returns
+    EXPECT_EQ(nullptr, dialog.m_hWnd);
+  }
 }
 } // namespace
