@@ -3,14 +3,13 @@
 // reopens with getMsgAt to the same checksum, and a second walk gives the same ranges.
 //
 // Built once per client; FUZZ_MAIL_FILE names the client's mail file class.
-#include "fuzz/FuzzSupport.h"
-#include "tests/support/Reference.h"
-
 #include "clients/Delimiters.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
 #include "clients/Netscape.h"
 #include "clients/Pegasus.h"
+#include "fuzz/FuzzSupport.h"
+#include "tests/support/Reference.h"
 
 #include <type_traits>
 #include <utility>

@@ -5,7 +5,6 @@
 // The first two bytes pick the section and key asked for and the buffer's size; the rest is
 // the file.
 #include "fuzz/FuzzSupport.h"
-
 #include "platform/Profile.h"
 
 #include <cstring>

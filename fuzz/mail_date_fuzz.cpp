@@ -2,7 +2,6 @@
 // what its rule can make of the text, and the month is the first name of the calendar that
 // occurs in the text.
 #include "fuzz/FuzzSupport.h"
-
 #include "resources/resource.h"
 #include "store/MAILDATE.h"
 

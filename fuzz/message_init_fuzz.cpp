@@ -1,10 +1,9 @@
 // A message built over arbitrary bytes: its checksum, header block, five fields, body copy,
 // body stream and property block agree with what a byte-at-a-time reading of the bytes gives.
 #include "fuzz/FuzzSupport.h"
-#include "tests/support/Reference.h"
-
 #include "store/MailHeaders.h"
 #include "store/MailMsg.h"
+#include "tests/support/Reference.h"
 
 #include <cstring>
 #include <memory>

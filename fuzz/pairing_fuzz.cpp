@@ -5,7 +5,6 @@
 // The input is a list of relative paths separated by zero bytes; a path that ends in '/' is
 // a folder. Its first byte picks the pair of extensions.
 #include "fuzz/FuzzSupport.h"
-
 #include "store/MFNList.h"
 
 #include <algorithm>

@@ -2,7 +2,6 @@
 // inside it, every query's expression is one the full-text engine reads without an error, and
 // its words can be marked in a text.
 #include "fuzz/FuzzSupport.h"
-
 #include "host/QueryParser.h"
 #include "host/Snippet.h"
 

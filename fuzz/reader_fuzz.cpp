@@ -6,7 +6,6 @@
 // is all header block and the body is empty. The whole input also goes to the HTML reader as
 // a page, since a message reaches it only through a text/html part.
 #include "fuzz/FuzzSupport.h"
-
 #include "host/reader/Charset.h"
 #include "host/reader/HtmlText.h"
 #include "host/reader/MailReader.h"

@@ -4,9 +4,8 @@
 //
 // The first three bytes pick the key, the value name and the value to write; the rest is the
 // file.
-#include "fuzz/FuzzSupport.h"
-
 #include "cmn/Registry.h"
+#include "fuzz/FuzzSupport.h"
 
 #include <cstdlib>
 #include <fstream>

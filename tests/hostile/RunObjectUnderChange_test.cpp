@@ -1,11 +1,10 @@
 // RunObject while the mailbox changes: the View Email window shows the message as it was
 // found, whatever becomes of the mailbox while the person reads it, and a record whose bytes
 // have changed or gone gets the box that asks for a reindex.
-#include "tests/support/AgentStore.h"
-
 #include "resources/resource.h"
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/AgentSession.h"
+#include "tests/support/AgentStore.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

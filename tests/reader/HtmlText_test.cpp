@@ -1,7 +1,6 @@
 // HTML as the text a reader sees: what mail pages hold, and pages built to be deep or slow.
-#include "host/reader/HtmlText.h"
-
 #include "host/reader/Charset.h"
+#include "host/reader/HtmlText.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,6 @@
 // released, and the window's layout as the person resizes it. (A record whose message changed
 // or went: hostile/RunObjectUnderChange.)
 #include "tests/settings/SettingsFixture.h"
-
 #include "tests/support/ClientStores.h"
 #include "tests/support/Reference.h"
 

@@ -1,7 +1,6 @@
 // The conversion of a message's local date to seconds gives what mktime gives, in zones with
 // and without daylight saving, across their changes and for fields out of range.
 #include "store/LocalTime.h"
-
 #include "tests/support/ScopedEnvironment.h"
 
 #include <gtest/gtest.h>

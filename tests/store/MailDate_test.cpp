@@ -1,6 +1,5 @@
 // The date reader over the texts a Date header holds.
 #include "store/MAILDATE.h"
-
 #include "tests/support/AgentSession.h"
 
 #include <array>

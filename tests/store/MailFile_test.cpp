@@ -1,14 +1,13 @@
 // Cutting each client's mail files into messages: concrete framings, the Netscape line reader
 // against sscanf, each scan against a place-by-place reference over random mailboxes, and a
 // mailbox cut short under its mapping.
-#include "store/MailFile.h"
-
 #include "clients/Delimiters.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
 #include "clients/Netscape.h"
 #include "clients/Pegasus.h"
 #include "clients/ScanFormat.h"
+#include "store/MailFile.h"
 #include "tests/store/AtEachWidth.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/Reference.h"

@@ -1,7 +1,6 @@
 // The message: header block, fields, body copy and the body stream. (Its checksum: the
 // kernels' tests in FastKernels, and every record a walk gives.)
 #include "store/MailMsg.h"
-
 #include "tests/store/AtEachWidth.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/Reference.h"

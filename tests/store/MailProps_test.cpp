@@ -1,7 +1,6 @@
 // The property block of a message and the table of property names.
-#include "store/MailProps.h"
-
 #include "store/MailMsg.h"
+#include "store/MailProps.h"
 #include "tests/support/AgentSession.h"
 
 #include <cstring>

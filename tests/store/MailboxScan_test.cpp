@@ -1,6 +1,5 @@
 // The tree walk and the pairing of mail files with control files.
 #include "store/MFNList.h"
-
 #include "tests/support/AgentSession.h"
 #include "tests/support/TestFiles.h"
 
