@@ -3,11 +3,19 @@
 #pragma once
 
 #include "tests/host/HostProcess.h"
-#include "tests/host/JsonLine.h"
 #include "tests/support/ClientStores.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
+#include <map>
+
+// One line of mhhost's --json output: a flat object of strings and numbers. A line that is not
+// valid JSON of that shape reads as no object, so the tests also check the form.
+struct JsonObject {
+  std::map<std::string, std::string> strings; // decoded, as UTF-8
+  std::map<std::string, long long> numbers;
+};
+bool parseJsonLine(const std::string &line, JsonObject &object);
 
 class HostFixture {
 public:

@@ -5,7 +5,6 @@
 #include "cmn/Registry.h"
 #include "platform/FilesFaults.h"
 #include "store/MFNList.h"
-#include "tests/hostile/Watchdog.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"
 

@@ -1,7 +1,6 @@
 // Mail that is broken, or built to exhaust the reader: each message must be read to an end,
 // give valid UTF-8 everywhere, and keep whatever text it still holds.
 #include "host/reader/MailReader.h"
-#include "tests/hostile/Watchdog.h"
 #include "tests/support/TestFiles.h"
 
 #include <glib.h>

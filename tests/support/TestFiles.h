@@ -1,9 +1,10 @@
 // Files and folders for tests: a temporary folder that removes itself, and whole-file I/O;
-// and a child process for what could crash or hang the test program.
+// and a child process or a time bound for what could crash or hang the test program.
 #pragma once
 
 #include <functional>
 #include <string>
+#include <unistd.h>
 
 class TempDir {
 public:
@@ -40,3 +41,13 @@ bool isMappedInThisProcess(const std::string &path);
 int runInChild(const std::function<int()> &body, unsigned seconds);
 // "exit N", or "signal N", for a wait status.
 std::string describeStatus(int status);
+
+// A bound on a test that could hang: the process dies of SIGALRM when the scope lasts too
+// long, which fails the test instead of stalling the run.
+class Watchdog {
+public:
+  explicit Watchdog(unsigned seconds) { alarm(seconds); }
+  Watchdog(const Watchdog &) = delete;
+  Watchdog &operator=(const Watchdog &) = delete;
+  ~Watchdog() { alarm(0); }
+};
