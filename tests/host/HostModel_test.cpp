@@ -333,27 +333,22 @@ TEST_P(HostModelTest, AnIndexKeptUpToDateEqualsAFreshOne) {
 
 INSTANTIATE_TEST_SUITE_P(EveryClient, HostModelTest, ::testing::ValuesIn(kClientNames));
 
-// An Eudora store of three mailboxes of 700 notes each (a run commits each 2,000 messages:
-// once here), and the arguments of a run that indexes it.
-class HostKillTest : public HostFixture, public ::testing::Test {
-protected:
-  void SetUp() override {
-    for (int i = 0; i < 700; ++i)
-      messages.push_back({"1 Feb 1998 10:00:00 +0000", "ann@example.org", "bob@example.org", "",
-                          "note " + std::to_string(i), std::string(40, 'x') + " words\n"});
-    for (const char *stem : {"/In", "/Dir/Work", "/Dir/Old"})
-      writeMailbox("eudora", mail + stem, messages);
-    setRegistryValue("eudora", "MailPath", mail);
-  }
-
-  const std::string mail = dir.file("mail"), fresh = dir.file("fresh.db");
-  const std::vector<std::string> index = {"--registry", registry, "--db",  database,
-                                          "--client",   "eudora", "index"};
+// Two runs at once: the second waits for the first. A run killed at any moment, before, between
+// or after its commits, leaves an index that the next run completes: the first run of a store,
+// and a run after it changed. Each time the index is what a fresh run makes. The store: three
+// mailboxes of 700 notes each (a run commits each 2,000 messages: once here).
+TEST(HostKillTest, TwoRunsAtOnceOrOneKilledLeaveWhatOneRunMakes) {
+  HostFixture host;
+  const std::string mail = host.dir.file("mail"), fresh = host.dir.file("fresh.db");
   std::vector<TestMessage> messages;
-};
-
-// Two runs at once: the second waits for the first, and the index is what one run makes.
-TEST_F(HostKillTest, TwoRunsAtOnceMakeWhatOneMakes) {
+  for (int i = 0; i < 700; ++i)
+    messages.push_back({"1 Feb 1998 10:00:00 +0000", "ann@example.org", "bob@example.org", "",
+                        "note " + std::to_string(i), std::string(40, 'x') + " words\n"});
+  for (const char *stem : {"/In", "/Dir/Work", "/Dir/Old"})
+    writeMailbox("eudora", mail + stem, messages);
+  host.setRegistryValue("eudora", "MailPath", mail);
+  const std::vector<std::string> index = {"--registry", host.registry, "--db", host.database,
+                                          "--client",   "eudora",      "index"};
   const pid_t first = startProgram(TUK_MHHOST, index);
   ASSERT_GT(first, 0);
   const HostResult second = runProgram(TUK_MHHOST, index);
@@ -362,14 +357,8 @@ TEST_F(HostKillTest, TwoRunsAtOnceMakeWhatOneMakes) {
   EXPECT_EQ(0, second.status) << second.err;
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
   EXPECT_EQ("", differenceFromFresh(index, fresh));
-}
-
-// A run killed at any moment, before, between or after its commits, leaves an index that the
-// next run completes to what a fresh run makes: the first run of a store, and a run after it
-// changed.
-TEST_F(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
-  std::mt19937 generator(static_cast<unsigned>(environmentNumber("TUK_MODEL_SEED", 1)));
   // Kills fall anywhere in a whole first run, as long as it takes on this machine and build.
+  std::mt19937 generator(static_cast<unsigned>(environmentNumber("TUK_MODEL_SEED", 1)));
   std::vector<std::string> freshRun = index;
   freshRun[3] = fresh;
   const auto start = std::chrono::steady_clock::now();
@@ -378,7 +367,7 @@ TEST_F(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
                         std::chrono::steady_clock::now() - start).count() + 1;
   for (int round = 0; round < 8; ++round) {
     if (round % 2 == 0) {
-      fs::remove(database); // a first run
+      fs::remove(host.database); // a first run
     } else {
       messages.erase(messages.begin() + static_cast<long>(generator() % messages.size()));
       writeMailbox("eudora", mail + "/Dir/Work", messages);
@@ -387,7 +376,6 @@ TEST_F(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
     ASSERT_GT(child, 0);
     usleep(static_cast<useconds_t>(generator() % static_cast<unsigned long>(span)));
     kill(child, SIGKILL);
-    int status = 0;
     waitpid(child, &status, 0);
     const HostResult completed = runProgram(TUK_MHHOST, index);
     ASSERT_EQ(0, completed.status) << "round " << round << ": " << completed.err;
