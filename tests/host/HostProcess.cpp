@@ -15,28 +15,18 @@
 extern char **environ;
 
 namespace {
-// argv and envp of a program: `environment` added to this process's, TZ=UTC unless given.
+// argv and envp of a program: `environment` ahead of this process's, and TZ=UTC ahead of it
+// unless given. getenv finds a variable's first occurrence.
 struct Command {
   Command(const std::string &program, const std::vector<std::string> &arguments,
-          const std::vector<std::pair<std::string, std::string>> &environment) {
-    words.push_back(program);
+          const std::vector<std::pair<std::string, std::string>> &environment)
+      : words{program} {
     words.insert(words.end(), arguments.begin(), arguments.end());
-    const auto isAdded = [&](const std::string &name) {
-      for (const auto &variable : environment)
-        if (variable.first == name)
-          return true;
-      return false;
-    };
-    for (char **entry = environ; *entry != nullptr; ++entry) {
-      const std::string text = *entry;
-      const std::string name = text.substr(0, text.find('='));
-      if (!isAdded(name) && name != "TZ")
-        variables.push_back(text);
-    }
     for (const auto &variable : environment)
       variables.push_back(variable.first + "=" + variable.second);
-    if (!isAdded("TZ"))
-      variables.push_back("TZ=UTC");
+    variables.push_back("TZ=UTC");
+    for (char **entry = environ; *entry != nullptr; ++entry)
+      variables.push_back(*entry);
     for (std::string &word : words)
       argv.push_back(&word[0]);
     for (std::string &variable : variables)
