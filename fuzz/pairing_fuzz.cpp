@@ -61,9 +61,8 @@ std::set<std::string> treeEntries(const std::string &root) {
   return entries;
 }
 
-std::string folded(std::string text) {
-  for (char &ch : text)
-    ch = asciiToLower(ch);
+std::string folded(std::string text, char (*fold)(char) = asciiToLower) {
+  std::transform(text.begin(), text.end(), text.begin(), fold);
   return text;
 }
 
@@ -110,9 +109,7 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   FUZZ_CHECK(count == list.GetCount());
   const std::string mailExt = folded(extensions.mail);
   const std::string controlLower = folded(extensions.control);
-  std::string controlUpper = extensions.control;
-  for (char &ch : controlUpper)
-    ch = asciiToUpper(ch);
+  const std::string controlUpper = folded(extensions.control, asciiToUpper);
 
   std::set<std::string> seen;
   for (POSITION at = list.GetHeadPosition(); at;) {
@@ -125,16 +122,11 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
     // A control entry: the extension, in lower or upper case, anywhere in its path, and the
     // same stem once as many bytes as the extension has are cut off its end.
     const std::string stem = stemOf(element, root, mailExt.size());
-    bool paired = false;
-    for (const std::string &entry : entries) {
-      const bool control = entry.find(controlLower) != std::string::npos ||
-                           entry.find(controlUpper) != std::string::npos;
-      if (control && stemOf(entry, root, controlLower.size()) == stem) {
-        paired = true;
-        break;
-      }
-    }
-    FUZZ_CHECK(paired);
+    FUZZ_CHECK(std::any_of(entries.begin(), entries.end(), [&](const std::string &entry) {
+      return (entry.find(controlLower) != std::string::npos ||
+              entry.find(controlUpper) != std::string::npos) &&
+             stemOf(entry, root, controlLower.size()) == stem;
+    }));
   }
   return 0;
 }
