@@ -50,22 +50,20 @@ TEST_P(ViewerTest, ShowsTheSevenTextsWhileTheMailboxIsReleased) {
   EXPECT_EQ(StatusOk, entries().RunObject(record.get()));
   ASSERT_EQ(1u, user.count(TUK_USER_MODAL_DIALOG));
   EXPECT_FALSE(mappedWhileShown);
-  EXPECT_EQ("ann@example.org", shown[kTo]);
-  EXPECT_EQ("bob@example.org", shown[kFrom]);
-  EXPECT_EQ("cy@example.org", shown[kCc]);
-  EXPECT_EQ("Mon, 2 Mar 1998 10:00:00 +0000", shown[kDate]);
-  EXPECT_EQ("Hello", shown[kSubject]);
-  EXPECT_EQ(mailbox, shown[kLocation]);
-  const bool pegasus = GetParam().displayNameId == 43;
-  EXPECT_EQ(pegasus ? "first line\r\nsecond line\r\r\nthird" : "first line\nsecond line\r\nthird",
-            shown[kBody]);
+  const bool pegasus = GetParam().name == std::string("Pegasus");
+  EXPECT_EQ((std::map<int, std::string>{
+                {kTo, "ann@example.org"}, {kFrom, "bob@example.org"}, {kCc, "cy@example.org"},
+                {kDate, "Mon, 2 Mar 1998 10:00:00 +0000"}, {kSubject, "Hello"}, {kLocation, mailbox},
+                {kBody, pegasus ? "first line\r\nsecond line\r\r\nthird"
+                                : "first line\nsecond line\r\nthird"}}),
+            shown);
   EXPECT_EQ(0u, user.count(TUK_USER_MESSAGE_BOX));
   EXPECT_EQ(windowsBefore, childWindows(0).size()); // nothing stays behind
   EXPECT_TRUE(CapturedLog::contains("RunObject called"));
 }
 
 TEST_P(ViewerTest, BodiesReachTheBoxUpToAZeroByteAndWithLineEndsOnlyForPegasus) {
-  const bool pegasus = GetParam().displayNameId == 43;
+  const bool pegasus = GetParam().name == std::string("Pegasus");
   const struct {
     std::string stored, seen, seenByPegasus;
   } cases[] = {{"", "", ""},

@@ -20,13 +20,11 @@ struct Client {
   const char *name;
   std::string key;     // the agent key
   const char *program; // the program file whose presence the page checks
-  UINT templateId;
   int width, height;    // the page template's size in dialog units
   UINT stateTextIds[7]; // by check state; 0 where a state can't occur
   UINT captionId;
   UINT mailPickerTitleId, exePickerTitleId;
   uint32_t exeHelpId, mailHelpId;
-  UINT displayNameId;
 };
 
 inline void PrintTo(const Client &client, std::ostream *out) {
@@ -37,14 +35,14 @@ inline void PrintTo(const Client &client, std::ostream *out) {
 inline std::vector<Client> allClients() {
   const std::string base = "Software\\Tuk\\Agents\\";
   return {
-      {"Eudora", base + "MHEudora", "eudora.exe", 130, 276, 151, {0, 31, 34, 0, 30, 69, 70}, 35,
-       32, 33, 1528, 1529, 25},
-      {"Internet", base + "MHInternet", "explorer.exe", 134, 300, 151, {0, 45, 48, 0, 44, 67, 68},
-       49, 46, 47, 203, 204, 41},
-      {"Netscape", base + "MHNetscape", "netscape.exe", 131, 302, 159, {0, 51, 54, 0, 50, 63, 64},
-       55, 52, 53, 205, 206, 38},
-      {"Pegasus", base + "MHPegasus", "winpm-32.exe", 135, 304, 162, {0, 57, 60, 0, 56, 65, 66},
-       61, 58, 59, 207, 208, 43},
+      {"Eudora", base + "MHEudora", "eudora.exe", 276, 151, {0, 31, 34, 0, 30, 69, 70}, 35, 32, 33,
+       1528, 1529},
+      {"Internet", base + "MHInternet", "explorer.exe", 300, 151, {0, 45, 48, 0, 44, 67, 68}, 49,
+       46, 47, 203, 204},
+      {"Netscape", base + "MHNetscape", "netscape.exe", 302, 159, {0, 51, 54, 0, 50, 63, 64}, 55,
+       52, 53, 205, 206},
+      {"Pegasus", base + "MHPegasus", "winpm-32.exe", 304, 162, {0, 57, 60, 0, 56, 65, 66}, 61, 58,
+       59, 207, 208},
   };
 }
 // clang-format on
