@@ -23,9 +23,8 @@ TEST(Lifecycle, ClientIsChosenByTheFirstTagFoundInTheKey) {
     LoadedAgent agent;
     const AgentResult result = agent.init(c.key);
     EXPECT_STREQ(c.name, result.agentName) << c.key;
-    EXPECT_EQ(0x10001u, result.fixedWord1);
-    EXPECT_EQ(1u, result.fixedWord2);
-    EXPECT_EQ(1u, result.fixedWord3);
+    EXPECT_EQ((std::vector<uint32_t>{0x10001, 1, 1}),
+              (std::vector<uint32_t>{result.fixedWord1, result.fixedWord2, result.fixedWord3}));
     // The two entries that do nothing answer as documented.
     EXPECT_EQ(-1, agent.entries().unsupportedObjectCall(1, 2, 3));
     EXPECT_EQ(0, agent.entries().reservedObjectCall(5, 6));
@@ -62,14 +61,13 @@ TEST(Lifecycle, LogFlagAndTheLinesOfAFirstInitialisation) {
   // The flag survives termination, so a second life logs its start.
   CapturedLog::lines().clear();
   agent.init("MHEudora", "en", CapturedLog::sink);
-  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll initialising!"));
-  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|Language string: en"));
-  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll initialisation complete"));
+  for (const char *line : {"tuk_mhmail.dll initialising!", "Language string: en",
+                           "tuk_mhmail.dll initialisation complete"})
+    EXPECT_TRUE(CapturedLog::contains(std::string(".\\mhmail|") + line)) << line;
   e.setLogFlag(0);
   e.terminateAgent();
 }
 
-// The library exports initAgent and nothing else.
 TEST(Exports, OnlyInitAgentLeavesTheLibrary) {
   const std::string command = "nm -D --defined-only " + LoadedAgent::libraryPath();
   FILE *pipe = popen(command.c_str(), "r");

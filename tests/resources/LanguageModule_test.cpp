@@ -86,12 +86,10 @@ TEST_F(LanguageModule, LoadsOnlyFromTheDirectoryOfTheCurrentInstance) {
   EXPECT_EQ(load(kTestModule), nullptr);
 }
 
-// A thread with no instance looks beside the platform library.
 TEST(LanguageModuleWithoutInstance, LooksBesideThePlatformLibrary) {
   std::thread([] { EXPECT_NE(load(kTestModule), nullptr); }).join();
 }
 
-// What the module has wins; what it lacks comes from the instance.
 TEST_F(LanguageModule, StringsAndTemplatesComeFromTheModuleElseFromTheInstance) {
   const LoadedModule module = load(kTestModule);
   ASSERT_NE(module, nullptr);
