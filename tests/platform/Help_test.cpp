@@ -37,12 +37,9 @@ protected:
 TEST_F(HelpTest, ShowsTheTopicOfTheWindowsPairTrimmedOfBlankLines) {
   const uint32_t pairs[] = {5, 8, 0, 7, 0, 0}; // the frame's id is 0
   EXPECT_TRUE(help(pairs, helpFile.c_str()));
-  const ScriptedUser::Event *shown = user.last(TUK_USER_HELP);
-  ASSERT_NE(nullptr, shown);
-  EXPECT_EQ(frame, shown->window);
-  EXPECT_EQ(7u, shown->flags);
-  EXPECT_EQ("Seven", shown->caption);
-  EXPECT_EQ("First line.\n@not a topic line", shown->text);
+  EXPECT_EQ((std::vector<ScriptedUser::Event>{
+                {TUK_USER_HELP, frame, "First line.\n@not a topic line", "Seven", 7}}),
+            user.events);
 }
 
 TEST_F(HelpTest, NothingIsShownWithoutPairTopicFileOrTheRightCommand) {

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <deque>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,14 @@ public:
     std::string text;
     std::string caption;
     uint32_t flags;
+    bool operator==(const Event &o) const {
+      return kind == o.kind && window == o.window && text == o.text && caption == o.caption &&
+             flags == o.flags;
+    }
+    friend void PrintTo(const Event &e, std::ostream *out) {
+      *out << e.kind << " on " << e.window << ": \"" << e.text << "\", \"" << e.caption << "\", "
+           << e.flags;
+    }
   };
 
   ScriptedUser() { tukSetUser(&answer, this); }

@@ -60,10 +60,9 @@ TEST_F(PickerTest, AChosenFolderComesBackAsAListThatNamesItsPathByteForByte) {
   EXPECT_EQ(folder, nameOf(list.get(), form));
   EXPECT_EQ(STRRET_WSTR, form);
   // It opened at the root, with the caller's title.
-  ASSERT_EQ(1u, user.count(TUK_USER_FOLDER_PICKER));
-  EXPECT_EQ("", user.events[0].caption);
-  EXPECT_EQ("Pick one", user.events[0].text);
-  EXPECT_EQ(BIF_RETURNONLYFSDIRS, user.events[0].flags);
+  EXPECT_EQ((std::vector<ScriptedUser::Event>{
+                {TUK_USER_FOLDER_PICKER, 0, "Pick one", "", BIF_RETURNONLYFSDIRS}}),
+            user.events);
   const List other = pick();
   ASSERT_TRUE(other);
   EXPECT_EQ(latin1, nameOf(other.get(), form));

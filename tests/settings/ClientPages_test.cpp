@@ -70,12 +70,11 @@ TEST_P(ClientPageTest, TheCheckStepWarnsOfWhatIsMissingAndRetryKeepsTheUserOnThe
     user.events.clear();
     EXPECT_EQ(0, entries().Validate(0)); // Retry: back to the fields
     EXPECT_EQ(1, entries().Validate(0)); // Cancel: the values go on as they are
-    ASSERT_EQ(2u, user.count(TUK_USER_MESSAGE_BOX));
-    const ScriptedUser::Event &box = user.events[0];
-    EXPECT_EQ(loaded(client().stateTextIds[c.state]), box.text);
-    EXPECT_EQ(loaded(client().captionId), box.caption);
-    EXPECT_EQ(0x25u, box.flags); // Retry and Cancel, with a question mark
-    EXPECT_EQ(page, box.window);
+    // Twice the box of the state, with Retry and Cancel and a question mark.
+    const ScriptedUser::Event box = {TUK_USER_MESSAGE_BOX, page,
+                                     loaded(client().stateTextIds[c.state]),
+                                     loaded(client().captionId), 0x25};
+    EXPECT_EQ((std::vector<ScriptedUser::Event>{box, box}), user.events);
   }
   // All there: no question, and the host may go on.
   type(page, kExeEdit, exeDir + "/"); // a trailing separator doubles in the candidate
