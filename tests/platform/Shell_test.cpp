@@ -45,28 +45,31 @@ protected:
   TempDir dir;
 };
 
+// A name that is UTF-8 text, four-byte characters too, comes back as wide text; bytes that are
+// no text (Latin-1, an overlong form, a surrogate, past U+10FFFF, a cut sequence) as they are.
 TEST_F(PickerTest, AChosenFolderComesBackAsAListThatNamesItsPathByteForByte) {
   ScriptedUser user;
-  const std::string folder = dir.file("Mail \xC3\xA9t\xC3\xA9"); // UTF-8 text
-  const std::string latin1 = dir.file("Latin1 \xE9");         // bytes that are no text
-  makeDirs(folder);
-  makeDirs(latin1);
-  user.folders = {folder, latin1};
-  char displayName[260] = {};
-  const List list = pick(displayName);
-  ASSERT_TRUE(list);
-  EXPECT_STREQ("Mail \xC3\xA9t\xC3\xA9", displayName);
-  UINT form = 99;
-  EXPECT_EQ(folder, nameOf(list.get(), form));
-  EXPECT_EQ(STRRET_WSTR, form);
+  const struct {
+    std::string name;
+    UINT form;
+  } names[] = {{"Mail \xC3\xA9t\xC3\xA9 \xF0\x9F\x98\x80", STRRET_WSTR},
+               {"Latin1 \xE9", STRRET_OFFSET},      {"over\xC0\xAF", STRRET_OFFSET},
+               {"half\xED\xA0\x80", STRRET_OFFSET}, {"far\xF4\x90\x80\x80", STRRET_OFFSET},
+               {"cut\xE2\x82", STRRET_OFFSET}};
+  for (const auto &n : names) {
+    makeDirs(dir.file(n.name));
+    user.folders = {dir.file(n.name)};
+    char displayName[260] = {};
+    const List list = pick(displayName);
+    ASSERT_TRUE(list) << n.name;
+    EXPECT_EQ(n.name, displayName);
+    UINT form = 99;
+    EXPECT_EQ(dir.file(n.name), nameOf(list.get(), form));
+    EXPECT_EQ(n.form, form) << n.name;
+  }
   // It opened at the root, with the caller's title.
-  EXPECT_EQ((std::vector<ScriptedUser::Event>{
-                {TUK_USER_FOLDER_PICKER, 0, "Pick one", "", BIF_RETURNONLYFSDIRS}}),
-            user.events);
-  const List other = pick();
-  ASSERT_TRUE(other);
-  EXPECT_EQ(latin1, nameOf(other.get(), form));
-  EXPECT_EQ(STRRET_OFFSET, form);
+  EXPECT_EQ((ScriptedUser::Event{TUK_USER_FOLDER_PICKER, 0, "Pick one", "", BIF_RETURNONLYFSDIRS}),
+            user.events[0]);
 }
 
 TEST_F(PickerTest, OnlyAnExistingDirectoryCanBeChosenAndNobodyCancels) {
