@@ -68,21 +68,26 @@ protected:
   KeptRecord record;
 };
 
-TEST_F(HostCallsTest, ObjectHandlesThatAreNotLive) {
+TEST_F(HostCallsTest, HandlesThatAreNotLive) {
   startLogging();
   const AgentHandle closed = open();
   EXPECT_EQ(StatusOk, entries().closeObject(closed)); // its memory is gone
-  // Memory that looks like a message, signature and all, is still no object.
-  auto fake = std::make_unique<uint32_t[]>(64);
-  std::fill(fake.get(), fake.get() + 64, kMessageSignature);
-  // A live search is no object, and a live object no search.
   AgentHandle search = 0;
   KeptRecord kept;
   ASSERT_EQ(StatusOk, findFirst(search, kept));
-  for (const AgentHandle object :
-       {closed, AgentHandle{0}, AGENT_INVALID_HANDLE, AgentHandle{0x1234},
-        reinterpret_cast<AgentHandle>(fake.get()), search})
-    expectNoObject(entries(), object);
+  EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(search));
+  // Memory that looks like a message, signature and all, is still no object.
+  auto fake = std::make_unique<uint32_t[]>(64);
+  std::fill(fake.get(), fake.get() + 64, kMessageSignature);
+  const AgentHandle made = reinterpret_cast<AgentHandle>(fake.get());
+  for (const AgentHandle handle :
+       {closed, search, AgentHandle{0}, AGENT_INVALID_HANDLE, AgentHandle{0x1234}, made}) {
+    expectNoObject(entries(), handle);
+    expectNoSearch(handle);
+  }
+  // A live search is no object, and a live object no search.
+  ASSERT_EQ(StatusOk, findFirst(search, kept));
+  expectNoObject(entries(), search);
   const AgentHandle other = open();
   expectNoSearch(other);
   // A live object whose signature was overwritten is refused, and logged, until it is back.
@@ -92,20 +97,7 @@ TEST_F(HostCallsTest, ObjectHandlesThatAreNotLive) {
   EXPECT_TRUE(CapturedLog::contains(".\\mhmail|Bad signature: 0x12345678"));
   signature = kMessageSignature;
   EXPECT_EQ(StatusOk, entries().closeObject(other));
-  EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(search));
-}
-
-TEST_F(HostCallsTest, SearchHandlesThatAreNotLive) {
-  AgentHandle search = 0;
-  KeptRecord kept;
-  ASSERT_EQ(StatusOk, findFirst(search, kept));
-  EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(search));
-  auto fake = std::make_unique<uint64_t[]>(64);
-  for (const AgentHandle handle : {search, AgentHandle{0}, AGENT_INVALID_HANDLE,
-                                   AgentHandle{0x1234}, reinterpret_cast<AgentHandle>(fake.get())})
-    expectNoSearch(handle);
   // A search that a 122 of findNextObjectHandle ended.
-  ASSERT_EQ(StatusOk, findFirst(search, kept));
   RecordBuffer small(8);
   int32_t time = 0;
   EXPECT_EQ(StatusBufferTooSmall, entries().findNextObjectHandle(search, small.get(), &time));
