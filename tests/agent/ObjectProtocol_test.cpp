@@ -107,7 +107,7 @@ TEST_P(ObjectProtocolTest, OpensReadsAndClosesTheMessageARecordNames) {
   EXPECT_EQ(StatusOk, e.closeObject(object));
 }
 
-TEST_P(ObjectProtocolTest, ARecordThatNoLongerFitsGivesOpenFailed) {
+TEST_P(ObjectProtocolTest, ARecordThatNoLongerFitsOrAMailboxThatCannotBeOpened) {
   const uint32_t size = static_cast<uint32_t>(readFile(inbox).size());
   const uint32_t offset = ranges[0].offset;
   // A range that ends exactly at the end of the file opens; one byte more does not.
@@ -124,9 +124,7 @@ TEST_P(ObjectProtocolTest, ARecordThatNoLongerFitsGivesOpenFailed) {
   oldStamp->mailboxStamp -= 1000;
   EXPECT_EQ(0, entries().keepObject(oldStamp.get(), 0));
   EXPECT_EQ(StatusOk, open(oldStamp));
-}
-
-TEST_P(ObjectProtocolTest, AMailboxThatCannotBeOpenedGivesMailFileFailed) {
+  // A mailbox that cannot be opened: a folder, an empty file, none at all.
   writeFile(dir.file("empty"), "");
   EXPECT_EQ(StatusMailFileFailed, open({dir.path(), 0, 1, 0}));
   EXPECT_EQ(StatusMailFileFailed, open({dir.file("empty"), 0, 0, 0}));

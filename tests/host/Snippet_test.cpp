@@ -17,7 +17,7 @@ std::string snippetOf(const std::string &query, const std::string &text,
   return SnippetMaker(db.get(), parsed.match, "[", "]").snippet(text, column);
 }
 
-TEST(SnippetTest, MarksTheQuerysWordsAsTheIndexFoldsThem) {
+TEST(SnippetTest, MarksTheQuerysWordsInAWindowOfSixteenWords) {
   EXPECT_EQ("The [Résumé] is [ready]", snippetOf("resume READY", "The Résumé is ready"));
   EXPECT_EQ("[quarterly]-[report] and [reporting]",
             snippetOf("quarterly-report report*", "quarterly-report and reporting"));
@@ -29,9 +29,7 @@ TEST(SnippetTest, MarksTheQuerysWordsAsTheIndexFoldsThem) {
   EXPECT_EQ("[cat] and dog or [fern]", snippetOf("(cat OR fern) NOT (dog OR moss)",
                                                  "cat and dog or fern"));
   EXPECT_EQ("", snippetOf("fern", "cat and dog"));
-}
-
-TEST(SnippetTest, AWindowOfSixteenWordsAroundTheMostMatches) {
+  // A window of sixteen words around the most matches.
   std::string text;
   for (int i = 0; i < 40; ++i)
     text += "w" + std::to_string(i) + (i == 20 || i == 22 ? " hit " : " ");
@@ -40,4 +38,5 @@ TEST(SnippetTest, AWindowOfSixteenWordsAroundTheMostMatches) {
             snippet);
   EXPECT_EQ("w0 w1 [hit]", snippetOf("hit", "w0 w1 hit"));
 }
+
 } // namespace

@@ -14,7 +14,7 @@ CModule secondModule = {nullptr, &secondModule, nullptr};
 // Runs `body` on a thread of its own and waits for it.
 template <typename Body> void onNewThread(Body body) { std::thread(body).join(); }
 
-TEST(ModuleState, MaintainStateRestoresTheEarlierStateOnEveryScopeExit) {
+TEST(ModuleState, ScopesRestoreTheEarlierStateAndEachThreadHasItsOwn) {
   AFX_MODULE_STATE outer = {&firstModule, &firstModule, nullptr};
   AFX_MODULE_STATE inner = {&secondModule, &secondModule, nullptr};
   AFX_MODULE_STATE *before = AfxGetModuleState();
@@ -30,9 +30,7 @@ TEST(ModuleState, MaintainStateRestoresTheEarlierStateOnEveryScopeExit) {
     EXPECT_EQ(AfxGetModuleState(), &outer);
   }
   EXPECT_EQ(AfxGetModuleState(), before);
-}
-
-TEST(ModuleState, EachThreadStartsInADefaultStateOfItsOwnThatNamesNothing) {
+  // Each thread starts in a default state of its own that names nothing.
   AFX_MODULE_STATE mine = {&firstModule, &firstModule, nullptr};
   AFX_MAINTAIN_STATE scope(&mine);
   onNewThread([] {

@@ -21,7 +21,7 @@ protected:
   const std::string ini = dir.file("eudora.ini");
 };
 
-TEST_F(ProfileTest, FindsSectionAndKeyWithoutRegardToCaseTrimmedAndUnquoted) {
+TEST_F(ProfileTest, FindsTheValueAndCopiesAtMostSizeLessOne) {
   writeFile(ini, "Top=1\r\n"
                  "[Other]\r\n"
                  "Dir=wrong\r\n"
@@ -41,9 +41,7 @@ TEST_F(ProfileTest, FindsSectionAndKeyWithoutRegardToCaseTrimmedAndUnquoted) {
   EXPECT_EQ("4:dflt", read("Settings", "Later")); // the first section of a name counts
   EXPECT_EQ("4:dflt", read("Missing", "Dir"));
   EXPECT_EQ("0:", read("Missing", "Dir", 64, nullptr));
-}
-
-TEST_F(ProfileTest, CopiesAtMostSizeLessOneAndCountsWhatItCopied) {
+  // At most size - 1 bytes are copied, and counted; the default is cut the same way.
   writeFile(ini, "[S]\nK=abcdef\n");
   EXPECT_EQ("6:abcdef", read("S", "K", 7));
   EXPECT_EQ("5:abcde", read("S", "K", 6));
@@ -53,4 +51,5 @@ TEST_F(ProfileTest, CopiesAtMostSizeLessOneAndCountsWhatItCopied) {
   EXPECT_EQ(0u, GetPrivateProfileStringA("S", "K", "d", untouched, 0, ini.c_str()));
   EXPECT_STREQ("xyz", untouched);
 }
+
 } // namespace

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 namespace {
-TEST(WindowApiTest, AFrameIsAVisibleTopLevelWindowWithTheGivenClientArea) {
+TEST(WindowApiTest, AFrameIsAVisibleTopLevelWindowAndBadHandlesFailQuietly) {
   const TukWindow frame = tukFrameCreate("Settings", 200, 100);
   ASSERT_NE(0u, frame);
   const TukWindowInfo info = windowInfo(frame);
@@ -23,9 +23,7 @@ TEST(WindowApiTest, AFrameIsAVisibleTopLevelWindowWithTheGivenClientArea) {
   EXPECT_EQ(0, tukWindowClose(frame));
   EXPECT_EQ(-1, tukWindowGetInfo(frame, nullptr));
   EXPECT_EQ(-1, tukFrameDestroy(frame));
-}
-
-TEST(WindowApiTest, BadHandlesAndNullPointersFailQuietly) {
+  // Bad handles and null pointers fail quietly.
   const TukWindow gone = tukFrameCreate("gone", 1, 1);
   tukFrameDestroy(gone);
   for (const TukWindow bad : {TukWindow{0}, gone, ~TukWindow{0}, TukWindow{12345}}) {
@@ -50,16 +48,17 @@ TEST(WindowApiTest, BadHandlesAndNullPointersFailQuietly) {
       EXPECT_EQ(-1, tukWindowChildren(bad, nullptr, 0));
     }
   }
-  const TukWindow frame = tukFrameCreate(nullptr, -5, -5);
-  EXPECT_EQ(-1, tukWindowGetInfo(frame, nullptr));
-  EXPECT_EQ(-1, tukWindowSetCheck(frame, 1)); // no check box
-  EXPECT_EQ(-1, tukWindowMinimize(frame));    // no minimise box
+  const TukWindow empty = tukFrameCreate(nullptr, -5, -5);
+  EXPECT_EQ(-1, tukWindowGetInfo(empty, nullptr));
+  EXPECT_EQ(-1, tukWindowSetCheck(empty, 1)); // no check box
+  EXPECT_EQ(-1, tukWindowMinimize(empty));    // no minimise box
   TukWindow one = 0;
   EXPECT_GE(tukWindowChildren(0, &one, 1), 1);
-  EXPECT_EQ(0, tukWindowChildren(frame, nullptr, 5));
-  EXPECT_EQ(0, tukWindowFocus(frame));
-  EXPECT_EQ(frame, tukWindowFocused());
-  tukFrameDestroy(frame);
+  EXPECT_EQ(0, tukWindowChildren(empty, nullptr, 5));
+  EXPECT_EQ(0, tukWindowFocus(empty));
+  EXPECT_EQ(empty, tukWindowFocused());
+  tukFrameDestroy(empty);
   EXPECT_EQ(0u, tukWindowFocused());
 }
+
 } // namespace

@@ -182,9 +182,7 @@ TEST_F(WindowsTest, ClicksAndKeysReachTheMapOnlyOnWindowsAPersonCanReach) {
   EXPECT_EQ(0, tukWindowPressKey(go, TUK_KEY_ESCAPE));
   EXPECT_EQ((std::vector<std::string>{"cancel"}), page->log);
   EXPECT_EQ(0, windowInfo(handle(*page)).visible);
-}
-
-TEST_F(WindowsTest, HelpWithoutAHandlerGoesUpAndStopsAtTheTop) {
+  // Help without a handler goes up and stops at the top.
   CDialog plain(kChildTemplate);
   ASSERT_TRUE(plain.Create(kChildTemplate, CWnd::FromHandle(reinterpret_cast<HWND>(frame))));
   tukWindowShow(reinterpret_cast<TukWindow>(plain.m_hWnd), 1);
@@ -235,14 +233,12 @@ protected:
   RecordingDialog dialog{kPopupTemplate};
 };
 
-TEST_F(ModalTest, WithoutAUserNothingIsShownAndTheAnswerIsCancel) {
+TEST_F(ModalTest, TheUserGetsTheShownDialogAndNobodyMeansCancel) {
   const size_t windowsBefore = childWindows(0).size();
   EXPECT_EQ(IDCANCEL, dialog.DoModal());
   EXPECT_TRUE(dialog.log.empty()); // not even made
   EXPECT_EQ(windowsBefore, childWindows(0).size());
-}
-
-TEST_F(ModalTest, TheUserGetsTheShownDialogAndItsEndingIsTheResult) {
+  // With a user, the dialog is shown and its ending is the result.
   ScriptedUser user;
   const struct {
     int32_t key; // 0: the user leaves it open
@@ -271,4 +267,5 @@ TEST_F(ModalTest, TheUserGetsTheShownDialogAndItsEndingIsTheResult) {
     EXPECT_EQ(nullptr, dialog.m_hWnd);
   }
 }
+
 } // namespace

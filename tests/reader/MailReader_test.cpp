@@ -104,17 +104,16 @@ TEST(MailReaderTest, TextOfTheRightPartsAndAttachmentsByName) {
   EXPECT_EQ(message.attachments[1].name, "Bär.png");
   EXPECT_EQ(message.attachments[1].type, "image/png");
   EXPECT_EQ(message.attachments[1].size, 8u);
-}
-
-TEST(MailReaderTest, UuencodedFilesInPlainTextAreAttachments) {
-  // "Cat" uuencoded, then a block without its end line, which stays text.
-  ReadMessage message;
+  // Uuencoded files in plain text are attachments too: "Cat" uuencoded, then a block without
+  // its end line, which stays text.
+  ReadMessage uu;
   readMessage("Subject: uu\n\n", "See the file.\nbegin 644 cat.txt\n#0V%T\n`\nend\nBye.\n"
                                   "begin 600 half.bin\n#0V%T\n",
-              message);
-  EXPECT_EQ(message.text, "See the file.\nBye.\nbegin 600 half.bin\n#0V%T\n");
-  ASSERT_EQ(message.attachments.size(), 1u);
-  EXPECT_EQ(message.attachments[0].name, "cat.txt");
-  EXPECT_EQ(message.attachments[0].size, 3u);
+              uu);
+  EXPECT_EQ(uu.text, "See the file.\nBye.\nbegin 600 half.bin\n#0V%T\n");
+  ASSERT_EQ(uu.attachments.size(), 1u);
+  EXPECT_EQ(uu.attachments[0].name, "cat.txt");
+  EXPECT_EQ(uu.attachments[0].size, 3u);
 }
+
 } // namespace

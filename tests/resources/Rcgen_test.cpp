@@ -23,7 +23,7 @@ RcgenRun runRcgen(const TempDir &dir, const std::string &script) {
                   fileExists(dir.file("out.cpp"))};
 }
 
-TEST(Rcgen, CompilesAScriptThatUsesAHeader) {
+TEST(Rcgen, CompilesAScriptThatUsesAHeaderAndFailsBadOnesWithFileAndLine) {
   TempDir dir;
   writeFile(dir.file("ids.h"),
             "// ids\n#define IDS_ONE 1 // the first\n#define IDS_TWO (IDS_ONE + 1)\n");
@@ -31,9 +31,6 @@ TEST(Rcgen, CompilesAScriptThatUsesAHeader) {
       runRcgen(dir, "#include \"ids.h\"\nSTRINGTABLE { IDS_TWO \"b\" IDS_ONE, \"a\" }\n");
   EXPECT_EQ(run.exitStatus, 0) << run.errors;
   EXPECT_TRUE(run.wroteOutput);
-}
-
-TEST(Rcgen, BadScriptsFailWithFileAndLine) {
   const struct {
     const char *script;
     const char *header;  // ids.h, when the case needs one
@@ -74,4 +71,5 @@ TEST(Rcgen, BadScriptsFailWithFileAndLine) {
     EXPECT_FALSE(run.wroteOutput);
   }
 }
+
 }  // namespace

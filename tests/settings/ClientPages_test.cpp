@@ -112,7 +112,7 @@ TEST_P(ClientPageTest, ClosingWithoutAStoreLeavesTheRegistryAsItWas) {
   EXPECT_FALSE(registryWritten());
 }
 
-TEST_P(ClientPageTest, EnterAndEscDoNothingAndTheFocusGoesToTheMailDirectory) {
+TEST_P(ClientPageTest, EnterAndEscDoNothingAndF1ShowsTheTopicOfTheField) {
   const TukWindow page = openPage();
   type(page, kMailEdit, "typed");
   EXPECT_EQ(0, tukWindowPressKey(control(page, kMailEdit), TUK_KEY_ENTER));
@@ -123,6 +123,18 @@ TEST_P(ClientPageTest, EnterAndEscDoNothingAndTheFocusGoesToTheMailDirectory) {
   entries().propPageFocus();
   EXPECT_EQ(control(page, kMailEdit), tukWindowFocused());
   EXPECT_TRUE(user.events.empty());
+  // F1 shows the topic of the field from the installed help file.
+  EXPECT_EQ(0, tukWindowPressKey(control(page, kExeEdit), TUK_KEY_F1));
+  EXPECT_EQ(0, tukWindowPressKey(control(page, kMailEdit), TUK_KEY_F1));
+  EXPECT_EQ(0, tukWindowPressKey(control(page, kBrowseMail), TUK_KEY_F1)); // no topic
+  ASSERT_EQ(2u, user.count(TUK_USER_HELP));
+  EXPECT_EQ(client().exeHelpId, user.events[0].flags);
+  EXPECT_EQ(control(page, kExeEdit), user.events[0].window);
+  EXPECT_EQ(client().mailHelpId, user.events[1].flags);
+  for (const ScriptedUser::Event &help : user.events) {
+    EXPECT_NE(std::string::npos, help.caption.find("Directory"));
+    EXPECT_FALSE(help.text.empty());
+  }
 }
 
 TEST_P(ClientPageTest, BrowseFillsOnlyItsFieldAndStartsAtTheRoot) {
@@ -140,21 +152,6 @@ TEST_P(ClientPageTest, BrowseFillsOnlyItsFieldAndStartsAtTheRoot) {
   EXPECT_EQ(page, user.events[0].window);
   EXPECT_EQ(loaded(client().exePickerTitleId), user.events[1].text);
   EXPECT_FALSE(registryWritten());
-}
-
-TEST_P(ClientPageTest, F1ShowsTheTopicOfTheFieldFromTheInstalledHelpFile) {
-  const TukWindow page = openPage();
-  EXPECT_EQ(0, tukWindowPressKey(control(page, kExeEdit), TUK_KEY_F1));
-  EXPECT_EQ(0, tukWindowPressKey(control(page, kMailEdit), TUK_KEY_F1));
-  EXPECT_EQ(0, tukWindowPressKey(control(page, kBrowseMail), TUK_KEY_F1)); // no topic
-  ASSERT_EQ(2u, user.count(TUK_USER_HELP));
-  EXPECT_EQ(client().exeHelpId, user.events[0].flags);
-  EXPECT_EQ(control(page, kExeEdit), user.events[0].window);
-  EXPECT_EQ(client().mailHelpId, user.events[1].flags);
-  for (const ScriptedUser::Event &help : user.events) {
-    EXPECT_NE(std::string::npos, help.caption.find("Directory"));
-    EXPECT_FALSE(help.text.empty());
-  }
 }
 
 // What a careless host may do must not cost the stored values or leave windows behind.

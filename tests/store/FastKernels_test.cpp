@@ -113,9 +113,7 @@ TEST(ChecksumKernels, CopyAndSumAgreeWithByteAtATimeAtEveryLengthAndAlignment) {
       }
     }
   });
-}
-
-TEST(ChecksumKernels, APartTurnedByItsOffsetJoinsTheWhole) {
+  // A part turned by its offset joins the whole.
   std::mt19937 random(13);
   const Bytes bytes = randomBytes(random, 200, "abcdefghijklmnop\x01\xfe");
   const uint32_t whole = referenceChecksum(bytes.data(), bytes.size());
