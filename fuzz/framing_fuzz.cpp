@@ -10,7 +10,6 @@
 #include "clients/Pegasus.h"
 #include "fuzz/FuzzSupport.h"
 #include "tests/support/Reference.h"
-
 #include <type_traits>
 #include <utility>
 #include <vector>

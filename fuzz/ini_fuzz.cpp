@@ -6,7 +6,6 @@
 // the file.
 #include "fuzz/FuzzSupport.h"
 #include "platform/Profile.h"
-
 #include <cstring>
 #include <iterator>
 #include <memory>

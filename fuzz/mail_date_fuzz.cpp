@@ -4,7 +4,6 @@
 #include "fuzz/FuzzSupport.h"
 #include "resources/resource.h"
 #include "store/MAILDATE.h"
-
 #include <string>
 
 namespace {

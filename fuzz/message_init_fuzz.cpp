@@ -4,7 +4,6 @@
 #include "store/MailHeaders.h"
 #include "store/MailMsg.h"
 #include "tests/support/Reference.h"
-
 #include <cstring>
 #include <memory>
 #include <string>

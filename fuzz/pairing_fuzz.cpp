@@ -6,7 +6,6 @@
 // a folder. Its first byte picks the pair of extensions.
 #include "fuzz/FuzzSupport.h"
 #include "store/MFNList.h"
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>

@@ -4,7 +4,6 @@
 #include "fuzz/FuzzSupport.h"
 #include "host/QueryParser.h"
 #include "host/Snippet.h"
-
 #include <sqlite3.h>
 
 #include <string>

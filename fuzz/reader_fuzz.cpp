@@ -9,7 +9,6 @@
 #include "host/reader/Charset.h"
 #include "host/reader/HtmlText.h"
 #include "host/reader/MailReader.h"
-
 #include <algorithm>
 #include <glib.h>
 #include <string>

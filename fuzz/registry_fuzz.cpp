@@ -6,7 +6,6 @@
 // file.
 #include "cmn/Registry.h"
 #include "fuzz/FuzzSupport.h"
-
 #include <cstdlib>
 #include <fstream>
 #include <iterator>

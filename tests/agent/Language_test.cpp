@@ -3,7 +3,6 @@
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"
 #include "tests/support/Reference.h"
-
 #include <cstdlib>
 
 namespace {

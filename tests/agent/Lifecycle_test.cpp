@@ -2,7 +2,6 @@
 // log, the entries that do nothing, and the one export. (An agent without a client:
 // hostile/HostCalls.)
 #include "tests/support/LoadedAgent.h"
-
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <set>

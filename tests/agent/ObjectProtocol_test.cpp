@@ -5,7 +5,6 @@
 #include "tests/support/AgentStore.h"
 #include "tests/support/ClientStores.h"
 #include "tests/support/Reference.h"
-
 #include <sys/stat.h>
 
 namespace {

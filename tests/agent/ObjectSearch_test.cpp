@@ -3,7 +3,6 @@
 #include "cmn/Registry.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"
-
 #include <cstring>
 #include <unistd.h>
 

@@ -1,6 +1,5 @@
 // ACDR: the exact bytes a host reads, in both byte orders, and the bounds of a small buffer.
 #include "cmn/Acdr.h"
-
 #include <gtest/gtest.h>
 #include <vector>
 

@@ -2,7 +2,6 @@
 #include "cmn/Registry.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/stat.h>

@@ -1,7 +1,6 @@
 // mhhost config through the agent's settings page, and a Thunderbird profile indexed through
 // the Netscape agent.
 #include "tests/host/HostFixture.h"
-
 #include <unistd.h>
 
 namespace {

@@ -1,7 +1,6 @@
 // mhhost on bad input: wrong command lines, a database that is not ours, damaged or locked,
 // a store that is not there, a missing agent. A clear message, status 1 or 2, nothing lost.
 #include "tests/host/HostFixture.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -3,7 +3,6 @@
 #include "tests/host/HostFixture.h"
 #include "tests/support/ClientStores.h"
 #include "tests/support/Reference.h"
-
 #include <ctime>
 #include <unistd.h>
 

@@ -3,7 +3,6 @@
 // TUK_MODEL_SEED set the length of the run and its seed.
 #include "tests/host/HostFixture.h"
 #include "tests/support/ClientStores.h"
-
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>

@@ -2,7 +2,6 @@
 // raw bodies hide (base64, quoted-printable, 8-bit, HTML, encoded words, zones, no dates,
 // MIME trees) is found by its words and shown decoded.
 #include "tests/host/HostFixture.h"
-
 #include <sqlite3.h>
 
 namespace {

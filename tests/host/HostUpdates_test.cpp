@@ -1,7 +1,6 @@
 // Which stores an index run reads, and the ids of messages that move or change between runs.
 // (That a run's index equals a fresh one is HostModel_test's.)
 #include "tests/host/HostFixture.h"
-
 #include <algorithm>
 #include <cstdio>
 

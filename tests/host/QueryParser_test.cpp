@@ -1,7 +1,6 @@
 // The query language, form by form: what reaches the full-text index, and the conditions
 // beside it.
 #include "host/QueryParser.h"
-
 #include <gtest/gtest.h>
 
 namespace {

@@ -1,7 +1,6 @@
 // Snippets from the query language's expressions, made with the index's own tokenizer.
 #include "host/QueryParser.h"
 #include "host/Snippet.h"
-
 #include <gtest/gtest.h>
 #include <memory>
 

@@ -5,7 +5,6 @@
 #include "store/MailMsg.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"
-
 #include <algorithm>
 #include <memory>
 

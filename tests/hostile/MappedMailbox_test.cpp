@@ -3,7 +3,6 @@
 // while its bytes stand, an object already open reads on, a new walk sees the mailbox as it is
 // now, and nothing takes the host down.
 #include "tests/support/AgentStore.h"
-
 #include <atomic>
 #include <chrono>
 #include <cstdio>

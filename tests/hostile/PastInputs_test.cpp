@@ -3,7 +3,6 @@
 // when a property does not hold, in a child process of its own with a time bound. All must
 // end cleanly.
 #include "tests/support/TestFiles.h"
-
 #include <cstdint>
 #include <cstdlib>
 #include <dirent.h>

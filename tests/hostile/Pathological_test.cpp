@@ -10,7 +10,6 @@
 #include "store/MAILDATE.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/TestFiles.h"
-
 #include <cstdarg>
 #include <cstdio>
 #include <gtest/gtest.h>

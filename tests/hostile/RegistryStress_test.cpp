@@ -4,7 +4,6 @@
 #include "cmn/Registry.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TestFiles.h"
-
 #include <chrono>
 #include <csignal>
 #include <gtest/gtest.h>

@@ -5,7 +5,6 @@
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"
-
 #include <sys/stat.h>
 #include <unistd.h>
 

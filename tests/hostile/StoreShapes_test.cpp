@@ -7,7 +7,6 @@
 #include "store/MFNList.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"
-
 #include <cerrno>
 #include <chrono>
 #include <cstring>

@@ -1,6 +1,5 @@
 // CString: what the mailbox scan and the header code rely on.
 #include "platform/CString.h"
-
 #include <gtest/gtest.h>
 #include <string>
 

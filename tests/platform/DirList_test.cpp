@@ -3,7 +3,6 @@
 #include "platform/Files.h"
 #include "platform/FilesFaults.h"
 #include "tests/support/TestFiles.h"
-
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -3,7 +3,6 @@
 #include "platform/FaultGuard.h"
 #include "platform/Files.h"
 #include "tests/support/TestFiles.h"
-
 #include <atomic>
 #include <csignal>
 #include <cstdio>

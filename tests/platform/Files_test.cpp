@@ -6,7 +6,6 @@
 #include "platform/Files.h"
 #include "platform/FilesFaults.h"
 #include "tests/support/TestFiles.h"
-
 #include <cerrno>
 #include <cstdio>
 #include <dirent.h>

@@ -3,7 +3,6 @@
 #include "platform/Help.h"
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
 
 namespace {

@@ -2,7 +2,6 @@
 // offer, Cancel where the box has it and OK otherwise.
 #include "platform/Window.h"
 #include "tests/platform/ScriptedUser.h"
-
 #include <gtest/gtest.h>
 
 namespace {

@@ -1,7 +1,6 @@
 // The per-thread module state: which state is current, how a scope restores it, and the
 // application object that a state names.
 #include "platform/Modules.h"
-
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>

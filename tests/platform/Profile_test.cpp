@@ -2,7 +2,6 @@
 // its place: hostile/Pathological.)
 #include "platform/Profile.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
 
 namespace {

@@ -4,7 +4,6 @@
 #include "platform/Unicode.h"
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
 #include <memory>
 #include <unistd.h>

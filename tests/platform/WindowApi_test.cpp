@@ -1,7 +1,6 @@
 // The host's C API: frames, finding and reading windows, and no crash on anything a host
 // might pass.
 #include "tests/platform/ScriptedUser.h"
-
 #include <gtest/gtest.h>
 
 namespace {

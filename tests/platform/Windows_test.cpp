@@ -6,7 +6,6 @@
 #include "platform/Resources.h"
 #include "platform/Window.h"
 #include "tests/platform/ScriptedUser.h"
-
 #include <gtest/gtest.h>
 #include <iterator>
 #include <memory>

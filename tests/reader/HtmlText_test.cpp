@@ -2,7 +2,6 @@
 #include "host/reader/Charset.h"
 #include "host/reader/HtmlText.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
 
 namespace {

@@ -4,7 +4,6 @@
 #include "host/reader/HeaderFields.h"
 #include "host/reader/MailDates.h"
 #include "host/reader/MailReader.h"
-
 #include <ctime>
 #include <gtest/gtest.h>
 

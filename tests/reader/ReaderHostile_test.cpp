@@ -2,7 +2,6 @@
 // give valid UTF-8 everywhere, and keep whatever text it still holds.
 #include "host/reader/MailReader.h"
 #include "tests/support/TestFiles.h"
-
 #include <glib.h>
 #include <gtest/gtest.h>
 #include <string_view>

@@ -5,7 +5,6 @@
 #include "platform/Files.h"
 #include "platform/Resources.h"
 #include "tests/support/TestFiles.h"
-
 #include <climits>
 #include <cstdlib>
 #include <cstring>

@@ -1,7 +1,6 @@
 // The resource compiler refuses bad scripts with the file and line of the fault and writes
 // nothing then. (What it compiles is checked through the tables it made for the build.)
 #include "tests/support/TestFiles.h"
-
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <sys/wait.h>

@@ -2,7 +2,6 @@
 // known and asked for again until then.
 #include "platform/Shell.h"
 #include "tests/settings/SettingsFixture.h"
-
 #include <cstdio>
 
 namespace {

@@ -4,7 +4,6 @@
 #include "tests/settings/SettingsFixture.h"
 #include "tests/support/ClientStores.h"
 #include "tests/support/Reference.h"
-
 #include <algorithm>
 #include <cctype>
 #include <map>

@@ -3,7 +3,6 @@
 #include "platform/Shell.h"
 #include "settings/PropPage.h"
 #include "tests/support/AgentSession.h"
-
 #include <cstring>
 #include <gtest/gtest.h>
 

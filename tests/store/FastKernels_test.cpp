@@ -7,7 +7,6 @@
 #include "store/MailMsg.h"
 #include "tests/store/AtEachWidth.h"
 #include "tests/support/Reference.h"
-
 #include <algorithm>
 #include <cstring>
 #include <random>

@@ -2,7 +2,6 @@
 // and without daylight saving, across their changes and for fields out of range.
 #include "store/LocalTime.h"
 #include "tests/support/ScopedEnvironment.h"
-
 #include <gtest/gtest.h>
 #include <vector>
 

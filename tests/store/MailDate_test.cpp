@@ -1,7 +1,6 @@
 // The date reader over the texts a Date header holds.
 #include "store/MAILDATE.h"
 #include "tests/support/AgentSession.h"
-
 #include <array>
 #include <gtest/gtest.h>
 

@@ -12,7 +12,6 @@
 #include "tests/support/AgentSession.h"
 #include "tests/support/Reference.h"
 #include "tests/support/TestFiles.h"
-
 #include <cstdio>
 #include <random>
 #include <unistd.h>

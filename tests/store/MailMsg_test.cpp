@@ -4,7 +4,6 @@
 #include "tests/store/AtEachWidth.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/Reference.h"
-
 #include <memory>
 #include <vector>
 

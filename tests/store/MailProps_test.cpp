@@ -2,7 +2,6 @@
 #include "store/MailMsg.h"
 #include "store/MailProps.h"
 #include "tests/support/AgentSession.h"
-
 #include <cstring>
 #include <gtest/gtest.h>
 

@@ -2,7 +2,6 @@
 #include "store/MFNList.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
 #include <vector>
 
