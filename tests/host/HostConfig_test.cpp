@@ -1,5 +1,5 @@
-// mhhost config through the agent's settings page, and a Thunderbird profile indexed through
-// the Netscape agent.
+// mhhost config through the agent's settings page. (A Thunderbird profile indexed through the
+// Netscape agent: HostUpdates.)
 #include "tests/host/HostFixture.h"
 #include <unistd.h>
 
@@ -69,37 +69,4 @@ TEST_F(HostConfigTest, ExtensionsGoStraightIntoTheRegistry) {
   EXPECT_FALSE(registryHas("MailPath")) << "no page was needed";
 }
 
-// Thunderbird keeps mbox files without an extension beside .msf files, with subfolders in
-// .sbd folders; the mail directory has a blank in its name.
-TEST_F(HostConfigTest, IndexesAThunderbirdProfileThroughTheNetscapeAgent) {
-  const std::string local = dir.file("profile/Mail/Local Folders");
-  const TestMessage welcome = {"Sat, 23 Nov 2024 12:00:00 +0000", "Ann <ann@example.org>",
-                               "me@example.org", "", "Welcome to the new account",
-                               "Hello from the inbox.\n"};
-  const TestMessage trip = {"Sun, 24 Nov 2024 08:00:00 +0000", "Bob <bob@example.org>",
-                            "me@example.org", "", "Trip photos", "Photos of the trip.\n"};
-  const std::vector<std::pair<std::string, std::vector<TestMessage>>> folders = {
-      {"Inbox", {welcome}}, {"Archives.sbd/2024", {trip}}, {"Trash", {}}, {"Archives", {}}};
-  for (const auto &folder : folders) {
-    writeFile(local + "/" + folder.first, mailboxOf("netscape", folder.second).bytes);
-    writeFile(local + "/" + folder.first + ".msf", "// <!-- <mdb:mork:z v=\"1.4\"/> -->\n");
-  }
-  writeFile(local + "/msgFilterRules.dat", "version=\"9\"\n");
-  const std::string key = "Software\\Tuk\\Agents\\MHNetscape\\Thunderbird";
-  hostOk({"--key", key, "config", "--mail-dir", local, "--ctrl-ext", ".msf", "--yes"});
-  EXPECT_TRUE(indexed(host({"--key", key, "index"}), "2 new, 0 unchanged, 0 moved, 0 removed"));
-  std::vector<JsonObject> hits = searchJson("subject:trip");
-  ASSERT_EQ(1u, hits.size());
-  EXPECT_EQ(local + "/Archives.sbd/2024", hits[0].strings.at("path"));
-  const HostResult shown = hostOk({"show", std::to_string(hits[0].numbers.at("id"))});
-  EXPECT_EQ(1u, linesWith(shown.out, "Location: " + local + "/Archives.sbd/2024").size());
-  // A second store in the same index; "index" alone brings both up to date.
-  writeMailbox("eudora", dir.file("eudora/In"), {welcome});
-  setRegistryValue("eudora", "MailPath", dir.file("eudora"));
-  hostOk({"--client", "eudora", "index"});
-  EXPECT_EQ(2u, searchJson("welcome").size());
-  EXPECT_EQ(1u, searchJson("welcome", {"--key", key}).size());
-  const HostResult both = hostOk({"index"});
-  EXPECT_EQ(2u, linesWith(both.out, "indexed: 0 new").size()) << both.out;
-}
 } // namespace

@@ -5,25 +5,39 @@
 #include <cstdio>
 
 namespace {
-// What config set up is what index reads, indexed before or not; status shows it.
+// What config set up is what index reads, indexed before or not; status shows it. The second
+// store is a Thunderbird profile read by the Netscape agent: mbox files without an extension
+// beside .msf files, subfolders in .sbd folders, a blank in the directory's name.
 TEST(HostStoresTest, IndexReadsEveryStoreConfigSetUpAndStatusListsThem) {
   HostFixture fixture;
-  const std::string second = "Software\\Tuk\\Agents\\MHNetscape\\Second";
+  const std::string second = "Software\\Tuk\\Agents\\MHNetscape\\Thunderbird";
+  const std::string local = fixture.dir.file("profile/Local Folders");
   writeMailbox("netscape", fixture.dir.file("one/Inbox"), {{"", "a@b.c", "", "", "one", "x\n"}});
-  writeMailbox("netscape", fixture.dir.file("two/Inbox"),
-               {{"", "a@b.c", "", "", "two", "y\n"}, {"", "a@b.c", "", "", "three", "z\n"}});
+  const std::vector<std::pair<std::string, std::vector<TestMessage>>> folders = {
+      {"Inbox", {{"", "a@b.c", "", "", "two", "y\n"}}},
+      {"Archives.sbd/2024", {{"", "a@b.c", "", "", "three", "z\n"}}},
+      {"Trash", {}},
+      {"Archives", {}}};
+  for (const auto &folder : folders) {
+    writeFile(local + "/" + folder.first, mailboxOf("netscape", folder.second).bytes);
+    writeFile(local + "/" + folder.first + ".msf", "// <!-- <mdb:mork:z v=\"1.4\"/> -->\n");
+  }
+  writeFile(local + "/msgFilterRules.dat", "version=\"9\"\n");
   fixture.hostOk({"config", "--client", "netscape", "--mail-dir", fixture.dir.file("one"),
                   "--yes"});
-  fixture.hostOk({"--key", second, "config", "--mail-dir", fixture.dir.file("two"), "--yes"});
+  fixture.hostOk({"--key", second, "config", "--mail-dir", local, "--ctrl-ext", ".msf", "--yes"});
   HostResult status = fixture.host({"status"});
   EXPECT_TRUE(holds(status.out, "netscape\n  mail:     " + fixture.dir.file("one") +
                                     "\n  messages: 0\n  indexed:  never"));
   EXPECT_TRUE(holds(status.out, "not made yet"));
   EXPECT_TRUE(indexed(fixture.host({"index"}), ""));
   EXPECT_EQ(3u, fixture.searchJson("a").size());
+  const std::vector<JsonObject> hits = fixture.searchJson("three", {"--key", second});
+  ASSERT_EQ(1u, hits.size());
+  EXPECT_EQ(local + "/Archives.sbd/2024", hits[0].strings.at("path"));
+  EXPECT_TRUE(fixture.searchJson("one", {"--key", second}).empty());
   status = fixture.host({"status"});
-  EXPECT_TRUE(holds(status.out, second + "\n  mail:     " + fixture.dir.file("two") +
-                                    "\n  messages: 2"));
+  EXPECT_TRUE(holds(status.out, second + "\n  mail:     " + local + "\n  messages: 2"));
   EXPECT_EQ(std::string::npos, status.out.find("never")) << status.out;
 }
 
