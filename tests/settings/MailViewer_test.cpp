@@ -1,6 +1,6 @@
 // RunObject and the View Email window: the message a record names, shown with the mailbox
 // released, and the window's layout as the person resizes it. (A record whose message changed
-// or went: hostile/RunObjectUnderChange.)
+// or went: the table of changes in hostile/MappedMailbox.)
 #include "tests/settings/SettingsFixture.h"
 #include "tests/support/ClientStores.h"
 #include "tests/support/Reference.h"
