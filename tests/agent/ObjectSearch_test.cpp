@@ -75,6 +75,13 @@ TEST_F(ObjectSearchTest, AWalkLogsEachMessagesSubject) {
 TEST_F(ObjectSearchTest, StoresThatGiveNoObject) {
   AgentHandle search = 42;
   KeptRecord record;
+  // An empty MailPath: not a walk of the whole file system from its root.
+  const Watchdog watchdog(60);
+  startLogging();
+  ASSERT_NE(0, SetRegValue(kEudoraKey, "MailPath", CString("")));
+  EXPECT_EQ(StatusNoMoreObjects, findFirst(search, record));
+  EXPECT_TRUE(CapturedLog::contains("Failed trying to get MailPath value"));
+  EXPECT_FALSE(CapturedLog::contains("searching for /*.*"));
   // No MailPath at all.
   const std::string settings = readFile(dir.file("registry.reg"));
   writeFile(dir.file("registry.reg"), "");

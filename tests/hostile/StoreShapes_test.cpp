@@ -2,7 +2,6 @@
 // client would choose, a mailbox over 4 GiB, a pipe where a mail file should be, and folders
 // or mailboxes the agent may not read. (A folder where a mail file should be: the pairing's
 // tests in store/MailboxScan.)
-#include "cmn/Registry.h"
 #include "platform/FilesFaults.h"
 #include "store/MFNList.h"
 #include "tests/support/AgentSession.h"
@@ -115,17 +114,6 @@ TEST_F(StoreShapesTest, AMailboxOverFourGibibytesIsReadByTheLowPartOfItsSize) {
   mailbox("Next", eudoraMessage("next"));
   ASSERT_EQ(0, truncate(path.c_str(), off_t{1} << 32));
   EXPECT_EQ(std::vector<std::string>{mail + "/Next.mbx"}, pathsOf(walk()));
-}
-
-TEST_F(StoreShapesTest, AnEmptyMailPathIsNoStoreAtAll) {
-  Watchdog watchdog(60);
-  mailbox("A");
-  startLogging();
-  ASSERT_NE(0, SetRegValue(kEudoraKey, "MailPath", CString("")));
-  EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
-  // Not a walk of the whole file system from its root.
-  EXPECT_TRUE(CapturedLog::contains("Failed trying to get MailPath value"));
-  EXPECT_FALSE(CapturedLog::contains("searching for /*.*"));
 }
 
 TEST_F(StoreShapesTest, AFolderThatCannotBeReadEndsTheScanAndAMailboxIsPassedOver) {
