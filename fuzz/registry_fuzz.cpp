@@ -1,9 +1,8 @@
-// The registry file reader and writer over arbitrary file contents: reading never fails on
-// content, and a write makes its value readable, changes no other value, and keeps every
-// other line of the file as it was, in order.
+// The registry file reader and writer over arbitrary file contents: reading never fails on content,
+// and a write makes its value readable, changes no other value, and keeps every other line of the
+// file as it was, in order.
 //
-// The first three bytes pick the key, the value name and the value to write; the rest is the
-// file.
+// The first three bytes pick the key, the value name and the value to write; the rest is the file.
 #include "cmn/Registry.h"
 #include "fuzz/FuzzSupport.h"
 #include <cstdlib>

@@ -1,6 +1,5 @@
-// The module's life as a host sees it: initialisations, the client choice, the language, the
-// log, the entries that do nothing, and the one export. (An agent without a client:
-// hostile/HostCalls.)
+// The module's life as a host sees it: initialisations, the client choice, the language, the log,
+// the entries that do nothing, and the one export. (An agent without a client: hostile/HostCalls.)
 #include "tests/support/LoadedAgent.h"
 #include <cstdio>
 #include <gtest/gtest.h>

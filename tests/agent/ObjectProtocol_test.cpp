@@ -1,6 +1,5 @@
-// A host's road to the messages of each client's store: the walk, a record it kept,
-// keepObject, openObject, the body stream, the properties, closeObject; through the loaded
-// library.
+// A host's road to the messages of each client's store: the walk, a record it kept, keepObject,
+// openObject, the body stream, the properties, closeObject; through the loaded library.
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"
 #include "tests/support/ClientStores.h"
@@ -39,9 +38,8 @@ protected:
     const std::string bytes = readFile(inbox).substr(offset, length);
     return RecordBuffer(inbox, offset, length, referenceChecksum(bytes), stampOf(inbox));
   }
-  // openObject's status for `record`; what it opens is closed again, and when it fails it
-  // sets the handle to -1 for a record that no longer fits and leaves it for a mailbox that
-  // can't be opened.
+  // openObject's status for `record`; what it opens is closed again, and when it fails it sets the
+  // handle to -1 for a record that no longer fits and leaves it for a mailbox that can't be opened.
   int32_t open(RecordBuffer record) {
     AgentHandle object = 12345;
     int32_t time = 0;

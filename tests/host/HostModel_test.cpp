@@ -84,9 +84,8 @@ std::string rowsMissingFrom(const std::vector<std::string> &a, const std::vector
   return text + (only.size() > 4 ? "  (" + std::to_string(only.size()) + " in all)\n" : "");
 }
 
-// Makes an index anew at `fresh` by `index`, the arguments of a run whose --db is index[3],
-// and says what the index at index[3] lacks of it or holds beyond it; empty when both hold
-// the same.
+// Makes an index anew at `fresh` by `index`, the arguments of a run whose --db is index[3], and
+// says what the index at index[3] lacks of it or holds beyond it; empty when both hold the same.
 std::string differenceFromFresh(std::vector<std::string> index, const std::string &fresh) {
   const std::string database = index[3];
   fs::remove(fresh);

@@ -78,8 +78,7 @@ TEST_F(HostIdsTest, AnEditTheChecksumCannotSeeIsReadAgainUnderANewId) {
   EXPECT_TRUE(indexed(index(), "1 new, 1 unchanged, 0 moved, 1 removed"));
   EXPECT_EQ(0, idOf("cat"));
   EXPECT_GT(idOf("cog"), pets);
-  // The old text's words stay in the full-text table until it is made anew: no order finds
-  // them.
+  // The old text's words stay in the full-text table until it is made anew: no order finds them.
   for (const char *order : {"relevance", "oldest"})
     EXPECT_EQ(0u, searchJson("cat", {"--sort", order}).size()) << order;
   EXPECT_TRUE(refused(host({"show", std::to_string(pets)}), 1, "is no longer in the store"));

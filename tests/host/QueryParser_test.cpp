@@ -1,5 +1,4 @@
-// The query language, form by form: what reaches the full-text index, and the conditions
-// beside it.
+// The query language, form by form: what reaches the full-text index, and the conditions beside it.
 #include "host/QueryParser.h"
 #include <gtest/gtest.h>
 

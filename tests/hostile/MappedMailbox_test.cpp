@@ -1,8 +1,7 @@
-// A mailbox that another process appends to, rewrites, replaces, cuts or removes while the
-// agent holds it: a search that holds it mapped goes on, a record kept from before opens only
-// while its bytes stand, an object already open reads on, a new walk sees the mailbox as it is
-// now, RunObject shows the window, the box that asks for a reindex or nothing, and nothing
-// takes the host down.
+// A mailbox that another process appends to, rewrites, replaces, cuts or removes while the agent
+// holds it: a search that holds it mapped goes on, a record kept from before opens only while its
+// bytes stand, an object already open reads on, a new walk sees the mailbox as it is now, RunObject
+// shows the window, the box that asks for a reindex or nothing, and nothing takes the host down.
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/AgentStore.h"

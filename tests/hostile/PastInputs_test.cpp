@@ -1,7 +1,6 @@
 // Inputs that once broke the agent (tests/hostile/cases/<target>/) and the fuzz targets' seeds
-// (fuzz/corpus/<target>/): each goes through its fuzz target's property check, which aborts
-// when a property does not hold, in a child process of its own with a time bound. All must
-// end cleanly.
+// (fuzz/corpus/<target>/): each goes through its fuzz target's property check, which aborts when a
+// property does not hold, in a child process of its own with a time bound. All must end cleanly.
 #include "tests/support/TestFiles.h"
 #include <cstdint>
 #include <cstdlib>

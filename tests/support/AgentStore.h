@@ -30,8 +30,7 @@ protected:
   void startLogging(const std::string &key = kEudoraKey);
   const AgentEntryTable &entries() const { return agent_.entries(); }
 
-  // Writes the Eudora mailbox `stem`, a path below `mail` without extension, and its control
-  // file.
+  // Writes the Eudora mailbox `stem`, a path below `mail` without extension, and its control file.
   void mailbox(const std::string &stem, const std::string &bytes = eudoraMessage("x"));
 
   // The host's calls of tests/support/HostWalk.h on this agent.

@@ -12,9 +12,8 @@ inline uint32_t referenceChecksum(const std::string &bytes) {
   return referenceChecksum(reinterpret_cast<const uint8_t *>(bytes.data()), bytes.size());
 }
 
-// The header block's length: it ends behind two CRs or two LFs, each kind counted without
-// regard to the other and any other byte setting both counts back; a CR pair takes an LF
-// behind it along.
+// The header block's length: it ends behind two CRs or two LFs, each kind counted without regard to
+// the other and any other byte setting both counts back; a CR pair takes an LF behind it along.
 uint32_t referenceHeaderLength(const uint8_t *bytes, uint32_t length);
 
 // Where the value of the field `name` starts: one byte behind the first place in the first

@@ -35,9 +35,8 @@ void setFileTime(const std::string &path, long seconds);
 // True while this process has a mapping of the file at `path`.
 bool isMappedInThisProcess(const std::string &path);
 
-// Runs `body` in a child process that exits with what it returns (by _exit: nothing of the
-// test program's clean-up runs there) or dies of SIGALRM after `seconds` (0: never); the wait
-// status.
+// Runs `body` in a child process that exits with what it returns (by _exit: nothing of the test
+// program's clean-up runs there) or dies of SIGALRM after `seconds` (0: never); the wait status.
 int runInChild(const std::function<int()> &body, unsigned seconds);
 // "exit N", or "signal N", for a wait status.
 std::string describeStatus(int status);
