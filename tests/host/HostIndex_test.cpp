@@ -192,9 +192,10 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   run = index();
   EXPECT_TRUE(indexed(run, "1 new, 5 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw; 1 of 2 "
                            "mailboxes read"));
-  EXPECT_EQ(std::vector<std::string>(
-                {"read " + inboxFile() + ": 1 new, 3 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"}),
-            linesWith(run.out, "read "));
+  EXPECT_EQ(
+      std::vector<std::string>({"read " + inboxFile() +
+                                ": 1 new, 3 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"}),
+      linesWith(run.out, "read "));
   EXPECT_EQ(1u, linesWith(run.err, ": openObject").size()) << run.err;
   std::vector<JsonObject> hits = searchJson("subject:appended");
   ASSERT_EQ(1u, hits.size());
@@ -231,9 +232,10 @@ TEST_P(HostStoreTest, RereadsOnlyTheMailboxThatChanged) {
   writeMailbox(client(), mail + "/Folders/Later", {kAppended});
   run = index();
   EXPECT_TRUE(indexed(run, "1 new, 2 unchanged, 0 moved, 0 removed"));
-  EXPECT_EQ(std::vector<std::string>({"read " + mailFileOf(client(), mail + "/Folders/Later") +
-                                      ": 1 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"}),
-            linesWith(run.out, "read "));
+  EXPECT_EQ(
+      std::vector<std::string>({"read " + mailFileOf(client(), mail + "/Folders/Later") +
+                                ": 1 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"}),
+      linesWith(run.out, "read "));
   EXPECT_EQ(1u, linesWith(run.err, ": openObject").size()) << run.err;
 }
 
@@ -251,8 +253,8 @@ TEST(HostEudoraTest, ARecordTheWalkNoLongerGivesIsDroppedThoughItStillOpens) {
   bytes.replace(bytes.find("From ???@???", 1), 1, "X");
   writeFile(mailFileOf("eudora", stem), bytes);
   setFileTime(mailFileOf("eudora", stem), time(nullptr) + 100);
-  EXPECT_TRUE(
-      indexed(host.host({"--client", "eudora", "index"}), "1 new, 0 unchanged, 0 moved, 2 removed"));
+  EXPECT_TRUE(indexed(host.host({"--client", "eudora", "index"}),
+                      "1 new, 0 unchanged, 0 moved, 2 removed"));
   const HostResult run = host.host({"--client", "eudora", "index", "--stats"});
   EXPECT_EQ(1u, linesWith(run.out, "walk: not needed").size()) << run.out;
   EXPECT_TRUE(indexed(run, "0 new, 1 unchanged, 0 moved, 0 removed"));

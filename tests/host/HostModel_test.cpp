@@ -94,8 +94,10 @@ std::string differenceFromFresh(std::vector<std::string> index, const std::strin
   if (made.status != 0)
     return "a fresh index failed: " + made.err;
   const std::vector<std::string> ours = indexRows(database), theirs = indexRows(fresh);
-  return ours == theirs ? "" : "only in the index kept up to date:\n" + rowsMissingFrom(ours, theirs) +
-                                  "only in a fresh index:\n" + rowsMissingFrom(theirs, ours);
+  if (ours == theirs)
+    return "";
+  return "only in the index kept up to date:\n" + rowsMissingFrom(ours, theirs) +
+         "only in a fresh index:\n" + rowsMissingFrom(theirs, ours);
 }
 
 // A message and the time on the delimiter line that Netscape writes ahead of it when it

@@ -106,7 +106,8 @@ TEST(FilesTest, InformationNamesTheFileItsSizeAndWriteTime) {
     EXPECT_TRUE(GetFileInformationByHandle(file.get(), &information));
     return information;
   };
-  const auto sameFile = [](const BY_HANDLE_FILE_INFORMATION &a, const BY_HANDLE_FILE_INFORMATION &b) {
+  const auto sameFile = [](const BY_HANDLE_FILE_INFORMATION &a,
+                           const BY_HANDLE_FILE_INFORMATION &b) {
     return a.dwVolumeSerialNumber == b.dwVolumeSerialNumber &&
            a.nFileIndexHigh == b.nFileIndexHigh && a.nFileIndexLow == b.nFileIndexLow;
   };

@@ -62,7 +62,8 @@ TEST(ReaderHostile, SamplesKeepTheTextTheyHold) {
   // The words around the malformed encoded words stay in the subject.
   const std::string subject =
       read(readFile(TUK_SOURCE_DIR "/tests/reader/cases/malformed-encoded-words.eml")).subject;
-  EXPECT_TRUE(subject.find("plain") != std::string::npos && subject.find("end") != std::string::npos)
+  EXPECT_TRUE(subject.find("plain") != std::string::npos &&
+              subject.find("end") != std::string::npos)
       << subject;
 }
 

@@ -50,11 +50,14 @@ TEST_P(ViewerTest, ShowsTheSevenTextsWhileTheMailboxIsReleased) {
   ASSERT_EQ(1u, user.count(TUK_USER_MODAL_DIALOG));
   EXPECT_FALSE(mappedWhileShown);
   const bool pegasus = GetParam().name == std::string("Pegasus");
-  EXPECT_EQ((std::map<int, std::string>{
-                {kTo, "ann@example.org"}, {kFrom, "bob@example.org"}, {kCc, "cy@example.org"},
-                {kDate, "Mon, 2 Mar 1998 10:00:00 +0000"}, {kSubject, "Hello"}, {kLocation, mailbox},
-                {kBody, pegasus ? "first line\r\nsecond line\r\r\nthird"
-                                : "first line\nsecond line\r\nthird"}}),
+  EXPECT_EQ((std::map<int, std::string>{{kTo, "ann@example.org"},
+                                        {kFrom, "bob@example.org"},
+                                        {kCc, "cy@example.org"},
+                                        {kDate, "Mon, 2 Mar 1998 10:00:00 +0000"},
+                                        {kSubject, "Hello"},
+                                        {kLocation, mailbox},
+                                        {kBody, pegasus ? "first line\r\nsecond line\r\r\nthird"
+                                                        : "first line\nsecond line\r\nthird"}}),
             shown);
   EXPECT_EQ(0u, user.count(TUK_USER_MESSAGE_BOX));
   EXPECT_EQ(windowsBefore, childWindows(0).size()); // nothing stays behind
