@@ -55,19 +55,4 @@ INSTANTIATE_TEST_SUITE_P(Zones, LocalTimeTest,
                                            "Australia/Lord_Howe", "America/Santiago",
                                            "Pacific/Apia", "Asia/Kolkata", "right/Europe/Paris",
                                            "CET-1CEST,M3.5.0,M10.5.0/3"));
-
-// The zone is taken when the walk begins: a change of TZ counts from the next refresh on.
-TEST(LocalTime, FollowsTheZoneFromTheNextRefresh) {
-  const struct tm noon = fieldsOf(124, 5, 1, 12, 0, 0);
-  time_t inBerlin, inNewYork;
-  {
-    const ScopedEnvironment zone("TZ", "Europe/Berlin", refreshTimeZone);
-    inBerlin = localTimeToSeconds(noon);
-  }
-  {
-    const ScopedEnvironment zone("TZ", "America/New_York", refreshTimeZone);
-    inNewYork = localTimeToSeconds(noon);
-  }
-  EXPECT_EQ(6 * 3600, inNewYork - inBerlin);
-}
 } // namespace

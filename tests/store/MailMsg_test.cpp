@@ -49,14 +49,6 @@ TEST_F(MailMsgTest, HeaderBlockEndsAtTheFirstBlankLine) {
   }
 }
 
-TEST_F(MailMsgTest, EmptyRangeGivesAnEmptyMessage) {
-  const CMailMsg &message = build("");
-  EXPECT_EQ(0u, message.checksum);
-  EXPECT_EQ(0u, message.bodyLength);
-  EXPECT_EQ(nullptr, message.body.get());
-  EXPECT_TRUE(message.subject.IsEmpty() && message.to.IsEmpty() && message.date.IsEmpty());
-}
-
 TEST_F(MailMsgTest, FieldsAreFoundAsWrittenOrNotAtAll) {
   EXPECT_EQ("Hi", std::string(build("x\r\nSubject: Hi\r\n\r\n").subject));
   EXPECT_EQ("Hi", std::string(build("x\r\nSUBJECT: Hi\r\n\r\n").subject));
