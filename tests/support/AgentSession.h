@@ -16,8 +16,6 @@ public:
   ~AgentSession();
 
   const AgentEntryTable &entries() const { return *result_.entryTable; }
-  const char *agentName() const { return result_.agentName; }
-  const AgentResult &result() const { return result_; }
 
 private:
   // Code under test runs as inside an entry: with the agent's module state current.
