@@ -7,20 +7,17 @@
 
 namespace {
 TEST(Lifecycle, ClientIsChosenByTheFirstTagFoundInTheKey) {
-  const struct {
-    const char *key;
-    const char *name;
-  } cases[] = {
+  const std::pair<const char *, const char *> cases[] = {
       {"Software\\Tuk\\Agents\\MHEudora", "Eudora Mail"},
       {"MHInternet", "Outlook Express/Internet Mail"},
       {"x MHNetscape y", "Netscape Mail"},
       {"prefix MHPegasus", "Pegasus Mail"},
-      {"MHPegasus MHNetscape", "Netscape Mail"},  // the table's order, not the key's
+      {"MHPegasus MHNetscape", "Netscape Mail"}, // the table's order, not the key's
   };
-  for (const auto &c : cases) {
+  for (const auto &[key, name] : cases) {
     LoadedAgent agent;
-    const AgentResult result = agent.init(c.key);
-    EXPECT_STREQ(c.name, result.agentName) << c.key;
+    const AgentResult result = agent.init(key);
+    EXPECT_STREQ(name, result.agentName) << key;
     EXPECT_EQ((std::vector<uint32_t>{0x10001, 1, 1}),
               (std::vector<uint32_t>{result.fixedWord1, result.fixedWord2, result.fixedWord3}));
     // The two entries that do nothing answer as documented.

@@ -3,6 +3,7 @@
 #include "tests/host/HostFixture.h"
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
@@ -46,10 +47,7 @@ TEST_F(HostErrorsTest, QueriesAsTypedAndTheMistakesInThem) {
                                "NOT nothing", "ann and not nothing", "re:status", "*x"})
     EXPECT_EQ(0, host({"search", readable}).status) << readable;
   EXPECT_EQ(1u, searchJson("ann@example.org").size());
-  const struct {
-    const char *query, *said;
-    size_t column;
-  } cases[] = {
+  const std::tuple<const char *, const char *, size_t> cases[] = {
       {"a \"unclosed", "double quote is not closed", 2},
       {"AND", "a word is missing before this operator", 0},
       {"garden OR", "ends where a word was expected", 9},
@@ -60,11 +58,11 @@ TEST_F(HostErrorsTest, QueriesAsTypedAndTheMistakesInThem) {
       {"a (b OR date:1998)", "stand beside the words", 3},
       {"a OR NOT b", "NOT inside parentheses or OR", 5},
   };
-  for (const auto &c : cases) {
-    const HostResult run = host({"search", c.query});
-    EXPECT_TRUE(refused(run, 2, c.said));
-    EXPECT_TRUE(holds(run.err, "\n  " + std::string(c.query) + "\n  " +
-                                   std::string(c.column, ' ') + "^\n"));
+  for (const auto &[query, said, column] : cases) {
+    const HostResult run = host({"search", query});
+    EXPECT_TRUE(refused(run, 2, said));
+    EXPECT_TRUE(
+        holds(run.err, "\n  " + std::string(query) + "\n  " + std::string(column, ' ') + "^\n"));
     for (const char *internal : {"fts5", "column", "syntax error", "unterminated"})
       EXPECT_EQ(std::string::npos, run.err.find(internal)) << run.err;
   }

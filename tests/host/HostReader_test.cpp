@@ -23,9 +23,7 @@ protected:
 };
 
 TEST_F(HostReaderTest, FindsEveryDecodedWordAndNoneOfTheEncoding) {
-  const struct {
-    const char *query, *subject;
-  } found[] = {
+  const std::pair<const char *, const char *> found[] = {
       {"xylophone", "base64 text"},
       {"Käsekuchen", "quoted-printable"},
       {"kasekuchen", "quoted-printable"},
@@ -39,8 +37,8 @@ TEST_F(HostReaderTest, FindsEveryDecodedWordAndNoneOfTheEncoding) {
       {"wombat", "alternative with attachment"},
       {"attachment:resume", "alternative with attachment"},
   };
-  for (const auto &expected : found)
-    EXPECT_EQ(only(expected.query).strings["subject"], expected.subject) << expected.query;
+  for (const auto &[query, subject] : found)
+    EXPECT_EQ(only(query).strings["subject"], subject) << query;
   // Encodings, markup and the HTML alternative of a plain part are not text.
   for (const char *absent : {"C3", "hippopota", "color", "nbsp", "tagword", "walrus", "UTF",
                              "w5xiZXJ3ZWlzdW5n"})

@@ -6,13 +6,12 @@
 
 namespace {
 TEST(MessageBoxTest, TheUserSeesTheBoxAndOnlyItsButtonsCount) {
-  const struct {
-    UINT type;
-    int answer;
-  } nobody[] = {{MB_OK | MB_ICONEXCLAMATION, IDOK}, {MB_RETRYCANCEL | MB_ICONQUESTION, IDCANCEL},
-                {MB_YESNOCANCEL, IDCANCEL},         {MB_YESNO, IDOK}};
-  for (const auto &c : nobody)
-    EXPECT_EQ(c.answer, MessageBoxA(nullptr, "text", "caption", c.type)) << c.type;
+  const std::pair<UINT, int> nobody[] = {{MB_OK | MB_ICONEXCLAMATION, IDOK},
+                                         {MB_RETRYCANCEL | MB_ICONQUESTION, IDCANCEL},
+                                         {MB_YESNOCANCEL, IDCANCEL},
+                                         {MB_YESNO, IDOK}};
+  for (const auto &[type, answer] : nobody)
+    EXPECT_EQ(answer, MessageBoxA(nullptr, "text", "caption", type)) << type;
 
   ScriptedUser user;
   const TukWindow frame = tukFrameCreate("Owner", 10, 10);

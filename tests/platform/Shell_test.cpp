@@ -48,23 +48,23 @@ protected:
 // no text (Latin-1, an overlong form, a surrogate, past U+10FFFF, a cut sequence) as they are.
 TEST_F(PickerTest, AChosenFolderComesBackAsAListThatNamesItsPathByteForByte) {
   ScriptedUser user;
-  const struct {
-    std::string name;
-    UINT form;
-  } names[] = {{"Mail \xC3\xA9t\xC3\xA9 \xF0\x9F\x98\x80", STRRET_WSTR},
-               {"Latin1 \xE9", STRRET_OFFSET},      {"over\xC0\xAF", STRRET_OFFSET},
-               {"half\xED\xA0\x80", STRRET_OFFSET}, {"far\xF4\x90\x80\x80", STRRET_OFFSET},
-               {"cut\xE2\x82", STRRET_OFFSET}};
-  for (const auto &n : names) {
-    makeDirs(dir.file(n.name));
-    user.folders = {dir.file(n.name)};
+  const std::pair<std::string, UINT> names[] = {
+      {"Mail \xC3\xA9t\xC3\xA9 \xF0\x9F\x98\x80", STRRET_WSTR},
+      {"Latin1 \xE9", STRRET_OFFSET},
+      {"over\xC0\xAF", STRRET_OFFSET},
+      {"half\xED\xA0\x80", STRRET_OFFSET},
+      {"far\xF4\x90\x80\x80", STRRET_OFFSET},
+      {"cut\xE2\x82", STRRET_OFFSET}};
+  for (const auto &[name, expected] : names) {
+    makeDirs(dir.file(name));
+    user.folders = {dir.file(name)};
     char displayName[260] = {};
     const List list = pick(displayName);
-    ASSERT_TRUE(list) << n.name;
-    EXPECT_EQ(n.name, displayName);
+    ASSERT_TRUE(list) << name;
+    EXPECT_EQ(name, displayName);
     UINT form = 99;
-    EXPECT_EQ(dir.file(n.name), nameOf(list.get(), form));
-    EXPECT_EQ(n.form, form) << n.name;
+    EXPECT_EQ(dir.file(name), nameOf(list.get(), form));
+    EXPECT_EQ(expected, form) << name;
   }
   // It opened at the root, with the caller's title.
   EXPECT_EQ((ScriptedUser::Event{TUK_USER_FOLDER_PICKER, 0, "Pick one", "", BIF_RETURNONLYFSDIRS}),

@@ -12,9 +12,7 @@ std::string textOf(std::string_view html) {
 }
 
 TEST(HtmlText, Conversions) {
-  const struct {
-    const char *html, *text;
-  } cases[] = {
+  const std::pair<const char *, const char *> cases[] = {
       {"aard<b>vark</b> and <span><i>ant</i></span>eater", "aardvark and anteater"},
       {"<html><head><title>T</title><style>p{color:red}</style></head>"
        "<body>x<script>document.write('<p>y')</script>z</body></html>",
@@ -37,8 +35,8 @@ TEST(HtmlText, Conversions) {
       {"<plaintext><p>&amp;", "<p>&amp;"},
       {"a</br>b<unknown>c</unknown>d</p>e", "a\nbcd\n\ne"},
   };
-  for (const auto &c : cases)
-    EXPECT_EQ(textOf(c.html), c.text) << c.html;
+  for (const auto &[html, text] : cases)
+    EXPECT_EQ(textOf(html), text) << html;
 }
 
 TEST(HtmlText, HostileShapesReturnValidText) {

@@ -6,14 +6,13 @@
 #include "host/reader/MailReader.h"
 #include <ctime>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
 TEST(CharsetTest, EveryInputBecomesValidUtf8) {
-  const struct {
-    std::string bytes, charset, utf8;
-  } cases[] = {
-      {"M\xfcller", "", "Müller"},                     // undeclared: Windows-1252
-      {"M\xc3\xbcller", "", "Müller"},                 // undeclared but valid UTF-8
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"M\xfcller", "", "Müller"},                       // undeclared: Windows-1252
+      {"M\xc3\xbcller", "", "Müller"},                   // undeclared but valid UTF-8
       {"\x80 \x93quoted\x94", "us-ascii", "€ “quoted”"}, // mislabelled 8-bit
       {"M\xfcller", "ISO-8859-1", "Müller"},
       {"M\xfcller", "latin1", "Müller"},
@@ -21,13 +20,13 @@ TEST(CharsetTest, EveryInputBecomesValidUtf8) {
       {"\xcf\xf0\xe8\xe2\xe5\xf2", "windows-1251", "Привет"},
       {"\x93\xfa\x96\x7b", "shift_jis", "日本"},
       {"M\xfcller", "x-no-such-charset", "Müller"}, // unknown: as undeclared
-      {"ok \xff\xfe", "utf-8", "ok ÿþ"},             // bytes outside UTF-8
-      {"a\xe4", "euc-kr", "a\xEF\xBF\xBD"},          // a cut sequence: U+FFFD
+      {"ok \xff\xfe", "utf-8", "ok ÿþ"},            // bytes outside UTF-8
+      {"a\xe4", "euc-kr", "a\xEF\xBF\xBD"},         // a cut sequence: U+FFFD
   };
-  for (const auto &c : cases) {
+  for (const auto &[bytes, charset, utf8] : cases) {
     std::string out;
-    appendUtf8(c.bytes, c.charset, out);
-    EXPECT_EQ(out, c.utf8) << c.charset;
+    appendUtf8(bytes, charset, out);
+    EXPECT_EQ(out, utf8) << charset;
     EXPECT_EQ(validUtf8Prefix(out), out.size());
   }
   // Overlong forms and surrogates are no UTF-8.
@@ -52,19 +51,16 @@ TEST(HeaderFieldsTest, FoldedFieldsAndEncodedWordsAsAPersonReadsThem) {
 }
 
 TEST(MailDatesTest, HeaderDatesInUtcAndDelimiterLinesInLocalTime) {
-  const struct {
-    const char *text;
-    int64_t utc;
-  } dates[] = {
+  const std::pair<const char *, int64_t> dates[] = {
       {"Thu, 15 Jan 1998 10:30:45 -0500", 884878245},
       {"15 Jan 1998 15:30:45 GMT", 884878245},
       {"Thu, 15 Jan 98 10:30:45 EST", 884878245}, // two-digit year, named zone
       {"Thursday, 15-Jan-1998 15:30:45 +0000", 884878245},
   };
-  for (const auto &date : dates) {
+  for (const auto &[text, expected] : dates) {
     int64_t utc = 0;
-    EXPECT_TRUE(parseHeaderDate(date.text, utc)) << date.text;
-    EXPECT_EQ(utc, date.utc) << date.text;
+    EXPECT_TRUE(parseHeaderDate(text, utc)) << text;
+    EXPECT_EQ(expected, utc) << text;
   }
   int64_t utc = 0;
   for (const char *none : {"", "soon", "Thu, 15 Xyz 1998 10:30:45"})

@@ -39,10 +39,8 @@ ReadMessage read(std::string_view whole) {
 }
 
 TEST(ReaderHostile, SamplesKeepTheTextTheyHold) {
-  const struct {
-    const char *file;
-    const char *kept; // found in the text, or in the header fields for a header-only sample
-  } samples[] = {
+  // Each sample and a text it keeps: in its text, or in its header fields when it has no body.
+  const std::pair<const char *, const char *> samples[] = {
       {"unclosed-boundary.eml", "The last part never sees its boundary again."},
       {"unknown-charset.eml", "Caf\xC3\xA9 au lait"},
       {"truncated-base64.eml", "Decoded text survives the cut"},
@@ -51,13 +49,13 @@ TEST(ReaderHostile, SamplesKeepTheTextTheyHold) {
       // Not broken, but every uuencoded body opens with a line that is not data.
       {"uuencoded.eml", "Uuencoded text comes out whole."},
   };
-  for (const auto &sample : samples) {
-    SCOPED_TRACE(sample.file);
+  for (const auto &[file, kept] : samples) {
+    SCOPED_TRACE(file);
     const ReadMessage message =
-        read(readFile(std::string(TUK_SOURCE_DIR "/tests/reader/cases/") + sample.file));
+        read(readFile(std::string(TUK_SOURCE_DIR "/tests/reader/cases/") + file));
     const std::string all = message.subject + message.from + message.to + message.cc +
                             message.text;
-    EXPECT_NE(all.find(sample.kept), std::string::npos) << all;
+    EXPECT_NE(all.find(kept), std::string::npos) << all;
   }
   // The words around the malformed encoded words stay in the subject.
   const std::string subject =

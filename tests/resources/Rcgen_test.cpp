@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <tuple>
 
 namespace {
 struct RcgenRun {
@@ -30,12 +31,8 @@ TEST(Rcgen, CompilesAScriptThatUsesAHeaderAndFailsBadOnesWithFileAndLine) {
       runRcgen(dir, "#include \"ids.h\"\nSTRINGTABLE { IDS_TWO \"b\" IDS_ONE, \"a\" }\n");
   EXPECT_EQ(run.exitStatus, 0) << run.errors;
   EXPECT_TRUE(run.wroteOutput);
-  const struct {
-    const char *script;
-    const char *header;  // ids.h, when the case needs one
-    const char *where;
-    const char *message;
-  } cases[] = {
+  // Each script, ids.h when the case needs one, and where the error is and what it says.
+  const std::tuple<const char *, const char *, const char *, const char *> cases[] = {
       {"STRINGTABLE\nBEGIN\n  1 \"ok\"\n  2 \"open\nEND\n", nullptr,
        "test.rc:4: ", "unterminated string"},
       {"STRINGTABLE\nBEGIN\n  1 \"a\\qb\"\nEND\n", nullptr, "test.rc:3: ", "unknown escape"},
@@ -59,14 +56,14 @@ TEST(Rcgen, CompilesAScriptThatUsesAHeaderAndFailsBadOnesWithFileAndLine) {
       {"1 DIALOG 0, 0, 10, 10\nBEGIN\n  EDITTEXT 5, 1, 1, 1 1\nEND\n", nullptr,
        "test.rc:3: ", "expected ','"},
   };
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.script);
+  for (const auto &[script, header, where, message] : cases) {
+    SCOPED_TRACE(script);
     TempDir dir;
-    if (c.header != nullptr)
-      writeFile(dir.file("ids.h"), c.header);
-    const RcgenRun run = runRcgen(dir, c.script);
+    if (header != nullptr)
+      writeFile(dir.file("ids.h"), header);
+    const RcgenRun run = runRcgen(dir, script);
     EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_NE(run.errors.find(std::string(c.where) + c.message), std::string::npos) << run.errors;
+    EXPECT_NE(run.errors.find(std::string(where) + message), std::string::npos) << run.errors;
     EXPECT_FALSE(run.wroteOutput);
   }
 }

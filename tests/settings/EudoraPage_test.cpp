@@ -98,23 +98,21 @@ protected:
 // The flag's key replaces the tag and what follows it; a key that starts with the tag has no
 // parent to put it under, and then only the directories are stored.
 TEST_F(EudoraSettingsTest, TheFileKeyReplacesTheTagAndWhatFollowsIt) {
-  const struct {
-    const char *agentKey;
-    const char *fileKey; // null: none
-  } cases[] = {
+  // An agent key, and the file key made of it (null: none).
+  const std::pair<const char *, const char *> cases[] = {
       {"Software\\Tuk\\MHEudora", "Software\\Tuk\\File"},
       {"Software\\Tuk\\MHEudora\\Extra", "Software\\Tuk\\File"},
       {"A\\MHEudora\\MHEudora", "A\\File"},
       {"Software\\Tuk\\", nullptr},
       {"MHEudora\\Settings", nullptr},
   };
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.agentKey);
+  for (const auto &[agentKey, expected] : cases) {
+    SCOPED_TRACE(agentKey);
     const std::unique_ptr<CString> fileKey =
-        agentFor(c.agentKey)->getFileAgentKey(CString("MHEudora"));
-    ASSERT_EQ(c.fileKey != nullptr, fileKey != nullptr);
+        agentFor(agentKey)->getFileAgentKey(CString("MHEudora"));
+    ASSERT_EQ(expected != nullptr, fileKey != nullptr);
     if (fileKey) {
-      EXPECT_STREQ(c.fileKey, fileKey->GetString());
+      EXPECT_STREQ(expected, fileKey->GetString());
     }
   }
   const std::unique_ptr<CEudoraAgent> agent = agentFor("MHEudora");

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <map>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
@@ -66,19 +67,18 @@ TEST_P(ViewerTest, ShowsTheSevenTextsWhileTheMailboxIsReleased) {
 
 TEST_P(ViewerTest, BodiesReachTheBoxUpToAZeroByteAndWithLineEndsOnlyForPegasus) {
   const bool pegasus = GetParam().name == std::string("Pegasus");
-  const struct {
-    std::string stored, seen, seenByPegasus;
-  } cases[] = {{"", "", ""},
-               {"no line end", "no line end", "no line end"},
-               {"a\nb\n", "a\nb\n", "a\r\nb\r\n"},
-               {std::string("up to\n\0hidden", 13), "up to\n", "up to\r\n"}};
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.seen);
-    RecordBuffer record = storeMessage(c.stored);
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"", "", ""},
+      {"no line end", "no line end", "no line end"},
+      {"a\nb\n", "a\nb\n", "a\r\nb\r\n"},
+      {std::string("up to\n\0hidden", 13), "up to\n", "up to\r\n"}};
+  for (const auto &[stored, seen, seenByPegasus] : cases) {
+    SCOPED_TRACE(seen);
+    RecordBuffer record = storeMessage(stored);
     std::string body = "<not shown>";
     user.onModal = [&](TukWindow dialog) { body = field(dialog, kBody); };
     EXPECT_EQ(StatusOk, entries().RunObject(record.get()));
-    EXPECT_EQ(pegasus ? c.seenByPegasus : c.seen, body);
+    EXPECT_EQ(pegasus ? seenByPegasus : seen, body);
   }
 }
 

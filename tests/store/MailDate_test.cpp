@@ -3,15 +3,13 @@
 #include "tests/support/AgentSession.h"
 #include <array>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
 TEST(MailDateTest, ReadsTheSixNumbersOrNone) {
   AgentSession session; // month names come from the string table of a live agent
-  const struct {
-    const char *text;
-    bool valid;
-    std::array<int, 6> fields; // hour, minute, second, day, month, year
-  } cases[] = {
+  // Each text, whether it is a date, and its hour, minute, second, day, month and year.
+  const std::tuple<const char *, bool, std::array<int, 6>> cases[] = {
       {"Thu, 15 Jan 1998 10:30:45 -0500", true, {10, 30, 45, 15, 0, 98}},
       {"Fri Jan 16 08:15:02 1998", true, {8, 15, 2, 16, 0, 98}},
       {"Wed, 7 May 1997 11:02:33 GMT", true, {11, 2, 33, 7, 4, 97}},
@@ -37,12 +35,12 @@ TEST(MailDateTest, ReadsTheSixNumbersOrNone) {
       // atoi of huge numbers is clamped, never undefined.
       {"Mon 12 Jan 1998 99999999999999:00", true, {2147483647, 0, 0, 12, 0, 98}},
   };
-  for (const auto &c : cases) {
-    const CMailDate date{CString(c.text)};
+  for (const auto &[text, valid, expected] : cases) {
+    const CMailDate date{CString(text)};
     const std::array<int, 6> fields = {date.getHour(), date.getMinute(), date.getSecond(),
                                        date.getDay(),  date.getMonth(),  date.getYear()};
     const std::array<int, 6> none = {-1, -1, -1, -1, -1, -1};
-    EXPECT_EQ(c.valid ? c.fields : none, fields) << '"' << c.text << '"';
+    EXPECT_EQ(valid ? expected : none, fields) << '"' << text << '"';
   }
 }
 } // namespace

@@ -14,6 +14,7 @@
 #include "tests/support/TestFiles.h"
 #include <cstdio>
 #include <random>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -56,11 +57,7 @@ TEST_F(MailFileTest, EachClientsDelimitersFrameTheMessages) {
               i = &MailFileTest::frame<CInternetMailMailFile>,
               n = &MailFileTest::frame<CNetscapeMailFile>,
               p = &MailFileTest::frame<CPegasusMailFile>;
-  const struct {
-    Frame client;
-    std::string bytes;
-    Ranges expected;
-  } cases[] = {
+  const std::tuple<Frame, std::string, Ranges> cases[] = {
       {e, kEudora + "text", {{12, 4}}},
       {e, "text" + kEudora + "two", {{0, 4}, {16, 3}}},
       // Adjacent delimiters are both skipped: no empty message lies between them.
@@ -100,8 +97,8 @@ TEST_F(MailFileTest, EachClientsDelimitersFrameTheMessages) {
       {n, "abc\n" + kLine, {{0, 32}}},
       {n, "abc\nFrom x y z 12 01:02:03 1998 no end", {{0, 38}}},
   };
-  for (const auto &c : cases)
-    EXPECT_EQ(c.expected, (this->*c.client)(c.bytes)) << c.bytes;
+  for (const auto &[client, bytes, expected] : cases)
+    EXPECT_EQ(expected, (this->*client)(bytes)) << bytes;
 }
 
 int scan(const std::string &line) {

@@ -5,6 +5,7 @@
 #include "tests/support/AgentSession.h"
 #include "tests/support/Reference.h"
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -32,20 +33,17 @@ protected:
 // Each kind of line end counted on its own, any other byte setting both counts back: the
 // reference, the kernel at each width and the message's body all split the bytes there.
 TEST_F(MailMsgTest, HeaderBlockEndsAtTheFirstBlankLine) {
-  const struct {
-    std::string text;
-    uint32_t headerLength;
-  } cases[] = {
+  const std::pair<std::string, uint32_t> cases[] = {
       {"X: 1\r\n\r\nBody", 8}, {"X: 1\n\nBody", 6}, {"X: 1\r\nY: 2", 10}, {"\n\nBody", 2},
-      {"X\r\rBody", 3},        {"X\r\r\nBody", 4},  {"X\r\n\nBody", 4},    {"X\n\r\nBody", 4},
+      {"X\r\rBody", 3},        {"X\r\r\nBody", 4},  {"X\r\n\nBody", 4},   {"X\n\r\nBody", 4},
       {"\nBody\n\nrest", 7},   {"\r\nBody", 6},
   };
-  for (const auto &c : cases) {
-    const auto *bytes = reinterpret_cast<const uint8_t *>(c.text.data());
-    const auto size = static_cast<uint32_t>(c.text.size());
-    EXPECT_EQ(c.headerLength, referenceHeaderLength(bytes, size)) << c.text;
-    atEachWidth([&] { EXPECT_EQ(c.headerLength, CMailMsg().getHeaderLength(bytes, size)); });
-    EXPECT_EQ(c.text.substr(c.headerLength), body(build(c.text))) << c.text;
+  for (const auto &[text, headerLength] : cases) {
+    const auto *bytes = reinterpret_cast<const uint8_t *>(text.data());
+    const auto size = static_cast<uint32_t>(text.size());
+    EXPECT_EQ(headerLength, referenceHeaderLength(bytes, size)) << text;
+    atEachWidth([&] { EXPECT_EQ(headerLength, CMailMsg().getHeaderLength(bytes, size)); });
+    EXPECT_EQ(text.substr(headerLength), body(build(text))) << text;
   }
 }
 
@@ -78,19 +76,17 @@ TEST_F(MailMsgTest, FieldsAreFoundAsWrittenOrNotAtAll) {
 TEST_F(MailMsgTest, SeekAndReadFollowTheirTables) {
   CMailMsg &message = build("h\n\nabc");
   ASSERT_EQ(3u, message.bodyLength);
-  // From the start, seek after seek: origin 0 is the start, 1 the place, 2 the last byte.
-  const struct {
-    int32_t origin, offset, status;
-    uint32_t position;
-  } seeks[] = {{2, 0, 0, 2},  {0, 3, -8, 2},  {0, -1, -8, 2}, {2, -1, 0, 1},
-               {2, 1, -8, 1}, {2, -3, -8, 1}, {1, -1, 0, 0},
-               {1, -1, -8, 0},    // wraps round as unsigned: refused
-               {3, 12345, 0, 0}}; // an origin of no meaning moves nothing
+  // From the start, seek after seek (origin, offset, status, place after): origin 0 is the
+  // start, 1 the place, 2 the last byte.
+  const std::tuple<int32_t, int32_t, int32_t, uint32_t> seeks[] = {
+      {2, 0, 0, 2},    {0, 3, -8, 2}, {0, -1, -8, 2}, {2, -1, 0, 1}, {2, 1, -8, 1},
+      {2, -3, -8, 1},  {1, -1, 0, 0}, {1, -1, -8, 0}, // wraps round as unsigned: refused
+      {3, 12345, 0, 0}};                              // an origin of no meaning moves nothing
   uint32_t position = 99, got = 99;
-  for (const auto &s : seeks) {
-    EXPECT_EQ(s.status, message.seek(s.origin, s.offset)) << s.origin << " " << s.offset;
+  for (const auto &[origin, offset, status, expected] : seeks) {
+    EXPECT_EQ(status, message.seek(origin, offset)) << origin << " " << offset;
     message.tell(&position);
-    EXPECT_EQ(s.position, position) << s.origin << " " << s.offset;
+    EXPECT_EQ(expected, position) << origin << " " << offset;
   }
   char byte = 0;
   EXPECT_EQ(0, message.seek(2, 0));

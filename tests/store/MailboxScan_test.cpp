@@ -3,6 +3,7 @@
 #include "tests/support/AgentSession.h"
 #include "tests/support/TestFiles.h"
 #include <gtest/gtest.h>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -39,12 +40,8 @@ TEST_F(MailboxScanTest, WalkListsLevelByLevel) {
 }
 
 TEST_F(MailboxScanTest, MailFilesPairWithAControlFileOfTheirStem) {
-  const struct {
-    const char *why;
-    Names files; // "name/" is a folder
-    const char *mailExt, *ctrlExt;
-    Names expected;
-  } cases[] = {
+  // Why; the store's files ("name/" is a folder); the two extensions; the mail files paired.
+  const std::tuple<const char *, Names, const char *, const char *, Names> cases[] = {
       {"by stem without regard to case, named as on disk",
        {"IN.MBX", "in.toc", "Out.mbx", "Out.Toc", "Lone.mbx", "Orphan.toc", "work/In.mbx",
         "home/In.toc"},
@@ -77,18 +74,18 @@ TEST_F(MailboxScanTest, MailFilesPairWithAControlFileOfTheirStem) {
        ".SNM",
        {"~/Inbox"}},
   };
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.why);
+  for (const auto &[why, files, mailExt, ctrlExt, expected] : cases) {
+    SCOPED_TRACE(why);
     TempDir store;
-    for (const std::string &file : c.files)
+    for (const std::string &file : files)
       if (file.back() == '/')
         makeDirs(store.file(file));
       else
         writeFile(store.file(file), "x");
     CMailFilenameList list;
-    EXPECT_EQ(static_cast<int>(c.expected.size()),
-              list.findMailboxes(store.path().c_str(), c.mailExt, c.ctrlExt));
-    EXPECT_EQ(c.expected, elements(list, store.path()));
+    EXPECT_EQ(static_cast<int>(expected.size()),
+              list.findMailboxes(store.path().c_str(), mailExt, ctrlExt));
+    EXPECT_EQ(expected, elements(list, store.path()));
   }
 }
 } // namespace
