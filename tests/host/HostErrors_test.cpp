@@ -75,10 +75,8 @@ TEST_F(HostErrorsTest, AnyDatabaseButOurIntactIndexIsLeftAlone) {
     for (int i = 0; i < 4; ++i) // big-endian, at 68 in the header
       bytes[68 + i] = static_cast<char>(value >> (24 - 8 * i));
   };
-  const struct {
-    const char *why;
-    std::function<void(std::string &)> damage;
-  } cases[] = {
+  // What the message says, and how the file was made so.
+  const std::pair<const char *, std::function<void(std::string &)>> cases[] = {
       {"another program", [&](std::string &b) { setApplicationId(b, 0x12345678); }},
       {"another program", [&](std::string &b) { setApplicationId(b, 0); }},
       {"not an SQLite database",
@@ -92,18 +90,18 @@ TEST_F(HostErrorsTest, AnyDatabaseButOurIntactIndexIsLeftAlone) {
   indexOneMessage();
   const std::string intact = readFile(database);
   ASSERT_GT(intact.size(), 8192u);
-  for (const auto &c : cases) {
+  for (const auto &[why, damage] : cases) {
     std::string bytes = intact;
-    c.damage(bytes);
+    damage(bytes);
     writeFile(database, bytes);
     for (const std::vector<std::string> &command :
          {std::vector<std::string>{"--client", "eudora", "index"},
           std::vector<std::string>{"search", "status"}, std::vector<std::string>{"show", "1"}}) {
       const HostResult run = host(command);
-      EXPECT_TRUE(refused(run, 1, c.why)) << command[0];
+      EXPECT_TRUE(refused(run, 1, why)) << command[0];
       EXPECT_EQ("", run.out);
     }
-    EXPECT_EQ(bytes, readFile(database)) << c.why;
+    EXPECT_EQ(bytes, readFile(database)) << why;
   }
 }
 

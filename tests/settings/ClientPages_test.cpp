@@ -1,6 +1,7 @@
 // The four clients' settings pages, driven as a host and a person drive them: open the page
 // in a frame, type, browse, press keys, then the check step, the store step or a close.
 #include "tests/settings/SettingsFixture.h"
+#include <tuple>
 
 namespace {
 class ClientPageTest : public SettingsTest, public ::testing::WithParamInterface<Client> {
@@ -51,10 +52,8 @@ TEST_P(ClientPageTest, TheCheckStepWarnsOfWhatIsMissingAndRetryKeepsTheUserOnThe
   makeDirs(bareDir);
   writeFile(dir.file("a file"), "");
   const std::string missing = dir.file("missing");
-  const struct {
-    int state;
-    std::string exe, mail;
-  } cases[] = {
+  // Each state of the check, and the program and mail directories that give it.
+  const std::tuple<int, std::string, std::string> cases[] = {
       {1, dir.file("a file"), mailDir}, // a file is no directory
       {2, bareDir, mailDir},
       {4, exeDir, ""}, // an empty name can't be found
@@ -62,17 +61,17 @@ TEST_P(ClientPageTest, TheCheckStepWarnsOfWhatIsMissingAndRetryKeepsTheUserOnThe
       {6, bareDir, dir.file("a file")},
   };
   const TukWindow page = openPage();
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.state);
-    type(page, kExeEdit, c.exe);
-    type(page, kMailEdit, c.mail);
+  for (const auto &[state, exe, mail] : cases) {
+    SCOPED_TRACE(state);
+    type(page, kExeEdit, exe);
+    type(page, kMailEdit, mail);
     user.boxAnswers = {TUK_ID_RETRY, TUK_ID_CANCEL};
     user.events.clear();
     EXPECT_EQ(0, entries().Validate(0)); // Retry: back to the fields
     EXPECT_EQ(1, entries().Validate(0)); // Cancel: the values go on as they are
     // Twice the box of the state, with Retry and Cancel and a question mark.
     const ScriptedUser::Event box = {TUK_USER_MESSAGE_BOX, page,
-                                     loaded(client().stateTextIds[c.state]),
+                                     loaded(client().stateTextIds[state]),
                                      loaded(client().captionId), 0x25};
     EXPECT_EQ((std::vector<ScriptedUser::Event>{box, box}), user.events);
   }
