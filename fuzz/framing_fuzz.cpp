@@ -47,7 +47,6 @@ template <class MailFile> int checkFraming(const uint8_t *data, size_t size) {
   static const std::string path = scratchDir() + "/mailbox";
   FUZZ_CHECK(writeBytes(path, data, size));
   const CString name(path.c_str());
-
   MailFile file;
   if (file.init(name) != 0) {
     FUZZ_CHECK(size == 0); // only an empty file refuses to map

@@ -34,7 +34,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   // A year of four characters with a leading digit, or of two behind a two-character day.
   FUZZ_CHECK(within(date.getYear(), -1900, 9999 - 1900));
   FUZZ_CHECK(text.Find(':') >= 0);
-
   for (int32_t month = 0; month <= date.getMonth(); ++month) {
     CString name;
     name.LoadString(IDS_MONTH_FIRST + static_cast<UINT>(month));

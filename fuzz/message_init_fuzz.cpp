@@ -72,7 +72,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
     message.tell(&position);
     FUZZ_CHECK(position == message.bodyLength - 1);
   }
-
   int32_t day, month, year, hour, minute, second;
   message.getDateFields(&day, &month, &year, &hour, &minute, &second);
   // The property block never goes past a buffer cut to a length the input picks.

@@ -86,7 +86,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const Extensions &extensions = kExtensions[data[0] % 4];
   const std::string root = scratchDir() + "/tree";
   emptyDir(root);
-
   const std::string names(reinterpret_cast<const char *>(data + 1), size - 1);
   size_t made = 0;
   for (size_t begin = 0; begin <= names.size() && made < kMaxEntries; ++made) {
@@ -102,14 +101,12 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
     FUZZ_CHECK(walked.insert(all.GetNext(at).GetString()).second);
   const std::set<std::string> entries = treeEntries(root);
   FUZZ_CHECK(walked == entries);
-
   CMailFilenameList list;
   const int count = list.findMailboxes(root.c_str(), extensions.mail, extensions.control);
   FUZZ_CHECK(count == list.GetCount());
   const std::string mailExt = folded(extensions.mail);
   const std::string controlLower = folded(extensions.control);
   const std::string controlUpper = folded(extensions.control, asciiToUpper);
-
   std::set<std::string> seen;
   for (POSITION at = list.GetHeadPosition(); at;) {
     const std::string element = list.GetNext(at).GetString();

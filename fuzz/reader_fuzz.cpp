@@ -48,7 +48,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const size_t split = bodyStart(input);
   ReadMessage message;
   readMessage(input.substr(0, split), input.substr(split), message);
-
   for (const std::string *field : {&message.subject, &message.from, &message.to, &message.cc}) {
     FUZZ_CHECK(isUtf8(*field));
     FUZZ_CHECK(!hasAsciiControl(*field));
@@ -60,7 +59,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
     FUZZ_CHECK(!hasAsciiControl(attachment.name));
     FUZZ_CHECK(isUtf8(attachment.type));
   }
-
   std::string page, text;
   appendUtf8OrWindows1252(input, page);
   appendHtmlText(page, text);

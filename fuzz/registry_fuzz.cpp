@@ -93,7 +93,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const Written &value = kValues[data[2] % std::size(kValues)];
   const std::string before(reinterpret_cast<const char *>(data + 3), size - 3);
   FUZZ_CHECK(writeBytes(path, reinterpret_cast<const uint8_t *>(before.data()), before.size()));
-
   std::vector<std::string> seenBefore;
   for (const char *k : kKeys)
     for (const char *n : kNames)

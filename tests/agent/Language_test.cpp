@@ -26,7 +26,6 @@ protected:
     const uint32_t valueLength = block[valueAt];
     return {std::string(reinterpret_cast<char *>(&block[valueAt + 4]), valueLength - 1), time};
   }
-
   std::vector<std::string> propertyNames() {
     std::vector<char> table(512);
     uint32_t needed = 0, count = 0;

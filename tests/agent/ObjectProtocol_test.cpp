@@ -32,7 +32,6 @@ protected:
     writeFile(mail + "/Unpaired", "no control file");
     startAgent(agentKeyOf(client()));
   }
-
   const std::string &client() const { return GetParam(); }
   RecordBuffer recordFor(uint32_t offset, uint32_t length) {
     const std::string bytes = readFile(inbox).substr(offset, length);
@@ -50,7 +49,6 @@ protected:
       EXPECT_EQ(status == StatusOpenFailed ? AGENT_INVALID_HANDLE : AgentHandle{12345}, object);
     return status;
   }
-
   std::string inbox;
   std::vector<MessageRange> ranges;
 };
@@ -75,12 +73,10 @@ TEST_P(ObjectProtocolTest, OpensReadsAndClosesTheMessageARecordNames) {
   const AgentEntryTable &e = entries();
   RecordBuffer record = recordFor(ranges[0].offset, ranges[0].length);
   EXPECT_EQ(1, e.keepObject(record.get(), 0));
-
   AgentHandle object = 0;
   int32_t time = 0;
   ASSERT_EQ(StatusOk, e.openObject(&object, record.get(), &time));
   EXPECT_EQ(kNoDateTime, time);
-
   std::string body;
   char buffer[7];
   uint32_t got = 0;
@@ -88,19 +84,16 @@ TEST_P(ObjectProtocolTest, OpensReadsAndClosesTheMessageARecordNames) {
     body.append(buffer, got);
   EXPECT_EQ(bodyOf(client(), kUndated), body);
   EXPECT_EQ(0u, got);
-
   uint32_t position = 0;
   EXPECT_EQ(StatusOk, e.seekObject(object, 2, 0));
   EXPECT_EQ(StatusOk, e.tellObject(object, &position));
   EXPECT_EQ(body.size() - 1, position);
   EXPECT_EQ(StatusSeekOutOfRange, e.seekObject(object, 0, static_cast<int32_t>(body.size())));
-
   uint32_t used = 0, count = 0;
   EXPECT_EQ(StatusPropertiesTooLarge, e.getObjectProperties(object, nullptr, 0, &used, &count));
   std::vector<unsigned char> properties(used);
   EXPECT_EQ(StatusOk, e.getObjectProperties(object, properties.data(), used, &used, &count));
   EXPECT_EQ(7u, count);
-
   EXPECT_EQ(StatusOk, e.closeObject(object));
 }
 

@@ -20,7 +20,6 @@ protected:
     int32_t value = 0;
     return GetRegValue(key, name, &value) ? std::optional<int32_t>(value) : std::nullopt;
   }
-
   TempDir dir_;
   const std::string registry_ = dir_.file("registry.reg");
   ScopedEnvironment registryVariable_{"TUK_REGISTRY", registry_};
@@ -36,7 +35,6 @@ TEST_F(RegistryTest, MissingFileIsEmptyAndWritesMakeFileAndFolders) {
   EXPECT_EQ(0, GetRegValue(kKey, "Attachments", &number));
   EXPECT_EQ("default", text.bytes());
   EXPECT_EQ(7, number);
-
   const std::string nested = dir_.file("not/yet/there/registry.reg");
   ScopedEnvironment moved("TUK_REGISTRY", nested);
   ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString("/home/ann/mail")));
@@ -89,7 +87,6 @@ TEST_F(RegistryTest, StringsAndIntegersDoNotReadAsEachOther) {
   // A write of the other type replaces the value.
   ASSERT_NE(0, SetRegValue(kKey, "Text", 3));
   EXPECT_EQ(std::optional<int32_t>(3), readNumber(kKey, "Text"));
-
   writeFile(registry_, kHeader + "[K]\n\"Short\"=dword:2a\n\"Max\"=DWORD:FFFFFFFF\n"
                                  "\"Nine\"=dword:123456789\n\"None\"=dword:\n"
                                  "\"Junk\"=dword:12g4\n");
@@ -123,7 +120,6 @@ TEST_F(RegistryTest, LinesNotUnderstoodSurviveWritesByteForByte) {
   writeFile(registry_, head + "/old" + middle + tail);
   EXPECT_EQ("<unread>", readString(kKey, "Broken"));
   EXPECT_EQ("<unread>", readString(kKey, "Blob"));
-
   ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString("/new")));
   ASSERT_NE(0, SetRegValue(kKey, "ExePath", CString("/opt/mail")));
   ASSERT_NE(0, SetRegValue("New\\Key", "Flag", 2));
@@ -140,7 +136,6 @@ TEST_F(RegistryTest, LastOccurrenceWinsAndIsTheOneReplaced) {
                                  "[Other]\n\"V\"=\"other\"\n");
   EXPECT_EQ("two", readString("K", "V"));
   EXPECT_EQ("<unread>", readString("K", "H"));  // the later hex value hides the string
-
   ASSERT_NE(0, SetRegValue("K", "V", CString("three")));
   ASSERT_NE(0, SetRegValue("K", "H", CString("text")));
   ASSERT_NE(0, SetRegValue("K", "New", 1));

@@ -140,7 +140,6 @@ TEST_F(HostErrorsTest, AStoreThatIsNotThereChangesNothing) {
   EXPECT_TRUE(refused(run, 1, "is not there"));
   EXPECT_TRUE(holds(run.err, "mhhost config --client eudora"));
   EXPECT_EQ(1u, searchJson("status").size());
-
   EXPECT_TRUE(refused(host({"--client", "pegasus", "index"}), 1, "no mail directory is set"));
   EXPECT_EQ(1, host({"--client", "pegasus", "list"}).status);
 }
@@ -203,7 +202,6 @@ TEST_F(HostErrorsTest, WhatTheMailHoldsIsShownNeverObeyed) {
   EXPECT_EQ("Quote \" back\\slash tab bell  caf\xc3\xa9 latin\xc3\xa9 end",
             hits[0].strings.at("subject"));
   EXPECT_EQ(odd.from, hits[0].strings.at("from"));
-
   const HostResult line = host({"search", "red"});
   const HostResult json = host({"search", "red", "--json"});
   const HostResult view = host({"cat", std::to_string(hits[0].numbers.at("id"))});

@@ -20,7 +20,6 @@ bool parseJsonLine(const std::string &line, JsonObject &object);
 class HostFixture {
 public:
   HostFixture();
-
   // mhhost --registry R --db D ARGUMENTS..., with `input` piped or typed at a terminal.
   HostResult host(const std::vector<std::string> &arguments, const std::string &input = "",
                   Input kind = Input::Pipe);
@@ -32,12 +31,10 @@ public:
                        const std::vector<std::pair<std::string, std::string>> &environment = {}) {
     return runProgram(TUK_MHHOST, arguments, environment);
   }
-
   // Writes a string value under the agent key of `client` into the test's registry file.
   void setRegistryValue(const std::string &client, const std::string &name,
                         const std::string &value);
   std::string registryText() const { return readFile(registry); }
-
   // The objects of `mhhost search QUERY --json [more]`, checked to be valid JSON.
   std::vector<JsonObject> searchJson(const std::string &query,
                                      const std::vector<std::string> &more = {});
@@ -45,7 +42,6 @@ public:
   long long idOf(const std::string &query);
   // `messages` as the Eudora mailbox mail/In, the store set up and indexed.
   void indexMailbox(const std::vector<TestMessage> &messages);
-
   TempDir dir;
   const std::string registry;
   const std::string database;

@@ -36,7 +36,6 @@ protected:
     writeMailbox(client(), work, {kGarden, kUndated});
     setRegistryValue(client(), "MailPath", mail);
   }
-
   const std::string &client() const { return GetParam(); }
   std::string inboxFile() const { return mailFileOf(client(), inbox); }
   std::string workFile() const { return mailFileOf(client(), work); }
@@ -45,7 +44,6 @@ protected:
     arguments.insert(arguments.end(), more.begin(), more.end());
     return host(arguments);
   }
-
   std::string mail, inbox, work;
   std::vector<MessageRange> inboxRanges;
 };
@@ -166,7 +164,6 @@ TEST_P(HostStoreTest, ShowsTheViewEmailWindowAndCatsTheBody) {
   const HostResult typed = hostOk({"show", id}, "\n", Input::Terminal);
   EXPECT_EQ(shown.out, typed.out);
   EXPECT_TRUE(holds(typed.err, "Enter closes the window"));
-
   const HostResult body = hostOk({"cat", "--raw", id});
   EXPECT_EQ(bodyOf(client(), kQuarterly), body.out);
   // The other mailbox, deeper down, is reached as well.

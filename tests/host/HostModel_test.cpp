@@ -121,7 +121,6 @@ protected:
   const std::string &client() const { return GetParam(); }
   size_t pick(size_t count) { return static_cast<size_t>(generator() % count); }
   std::string shortName(const std::string &path) const { return path.substr(mail.size() + 1); }
-
   std::string words(size_t count) {
     static const char *const kWords[] = {"able", "bark", "coal", "dusk", "echo", "fern",
                                          "gale", "hush", "iris", "jade", "kite", "lamp"};
@@ -150,7 +149,6 @@ protected:
       letter.message.body += words(3 + pick(6)) + "\n";
     return letter;
   }
-
   Mailbox whole(const Box &box) const {
     std::vector<TestMessage> messages;
     for (const Letter &letter : box.letters)
@@ -288,11 +286,9 @@ protected:
       return "new mailbox " + shortName(boxes.back().stem);
     }
   }
-
   std::vector<std::string> indexRun() const {
     return {"--registry", registry, "--db", database, "--client", client(), "index"};
   }
-
   std::mt19937 generator;
   std::string mail;
   std::vector<std::string> folders; // below `mail`
@@ -314,7 +310,6 @@ TEST_P(HostModelTest, AnIndexKeptUpToDateEqualsAFreshOne) {
     addBox(2 + pick(3));
   setRegistryValue(client(), "MailPath", mail);
   const std::string fresh = dir.file("fresh.db");
-
   std::string history;
   for (unsigned long step = 0; step <= steps; ++step) {
     std::string done = "the first run";

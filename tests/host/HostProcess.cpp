@@ -41,7 +41,6 @@ struct Command {
     execve(argv[0], argv.data(), envp.data());
     _exit(127);
   }
-
   std::vector<std::string> words, variables;
   std::vector<char *> argv, envp;
 };

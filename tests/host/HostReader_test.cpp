@@ -83,7 +83,6 @@ TEST_F(HostReaderTest, CatShowsTheReadersViewAndRawTheAgentsBytes) {
     EXPECT_TRUE(holds(view.out, shown));
   EXPECT_EQ(view.out.find("walrus"), std::string::npos);
   EXPECT_EQ(view.out.find("--outer"), std::string::npos);
-
   EXPECT_TRUE(
       holds(host({"cat", "--raw", id}).out, "--outer\r\nContent-Type: multipart/alternative"));
   EXPECT_TRUE(holds(host({"cat", std::to_string(only("Überweisung").numbers["id"])}).out,

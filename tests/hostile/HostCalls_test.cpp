@@ -51,7 +51,6 @@ protected:
     ASSERT_EQ(StatusOk, findFirst(search, record));
     EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(search));
   }
-
   AgentHandle open() {
     AgentHandle object = 0;
     EXPECT_EQ(StatusOk, openRecord(entries(), record, object));
@@ -63,7 +62,6 @@ protected:
     EXPECT_EQ(StatusNoMoreObjects, findNext(search, kept));
     EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(search));
   }
-
   KeptRecord record;
 };
 
@@ -123,7 +121,6 @@ TEST_F(HostCallsTest, NullInEveryPointerArgument) {
   buffer->size = static_cast<uint32_t>(buffer.capacity());
   EXPECT_EQ(StatusOk, e.findNextObjectHandle(handle, buffer.get(), nullptr));
   EXPECT_EQ(StatusOk, e.closeFindObjectHandle(handle));
-
   EXPECT_EQ(0, e.keepObject(nullptr, 0));
   EXPECT_EQ(StatusMailFileFailed, e.openObject(nullptr, kept.get(), &time));
   EXPECT_EQ(StatusMailFileFailed, e.openObject(&handle, nullptr, &time));
@@ -136,7 +133,6 @@ TEST_F(HostCallsTest, NullInEveryPointerArgument) {
   EXPECT_EQ(StatusOk, e.getObjectProperties(handle, bytes, sizeof bytes, nullptr, nullptr));
   EXPECT_EQ(StatusOk, e.tellObject(handle, nullptr));
   EXPECT_EQ(StatusOk, e.closeObject(handle));
-
   EXPECT_EQ(0, e.propPageInit(0, 0, nullptr));
   EXPECT_EQ(0, e.getObjectIcon(0, nullptr, nullptr));
   EXPECT_NE(StatusOk, e.RunObject(nullptr));

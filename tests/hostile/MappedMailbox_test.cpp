@@ -111,7 +111,6 @@ protected:
     mailbox("A", bigMailbox("a", 8));
     mailbox("B", eudoraMessage("b"));
   }
-
   const std::string box = mail + "/A.mbx";
 };
 
@@ -127,7 +126,6 @@ TEST_P(MailboxChangeTest, EachHolderSeesTheMailboxAsItShould) {
   ASSERT_EQ(StatusOk, reopen(first));
   const std::string before = readFile(box);
   change.make(box);
-
   EXPECT_EQ(std::string(kPage, 'a') + "\r\n", readAndClose(entries(), object));
   EXPECT_EQ(change.keptRecord, reopen(first));
   // RunObject on it: the message's window while its bytes stand, the box that asks for a

@@ -56,7 +56,6 @@ protected:
     writeFile(path, bytes);
     return path;
   }
-
   AgentSession session;
   TempDir dir;
 };

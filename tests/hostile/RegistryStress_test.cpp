@@ -92,7 +92,6 @@ std::pair<int, size_t> finish(const Writer &writer, int index, int round) {
 class RegistryStressTest : public ::testing::Test {
 protected:
   void SetUp() override { ASSERT_NE(0, SetRegValue("Stress", "Before", CString("stays"))); }
-
   TempDir dir;
   ScopedEnvironment registry{"TUK_REGISTRY", dir.file("cfg/registry.reg")};
 };

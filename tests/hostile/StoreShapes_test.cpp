@@ -47,7 +47,6 @@ TEST_F(StoreShapesTest, FourteenFoldersDeepIsIndexedAndAnythingDeeperEndsTheScan
   makeDirs(deep + "/d15");
   EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
   ASSERT_EQ(0, rmdir((deep + "/d15").c_str()));
-
   std::string deeper = "e";
   for (int level = 2; level <= 100; ++level)
     deeper += "/e";

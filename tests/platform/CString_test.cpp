@@ -16,7 +16,6 @@ TEST(CStringTest, CaseTouchesOnlyAsciiLettersAndCutsClampToTheString) {
   EXPECT_EQ(CString("In.mbx").Find(".MBX"), -1);
   EXPECT_EQ(CString("ab").Find("", 3), -1);
   EXPECT_EQ(CString("text/plain; charset=x").SpanExcluding(";, "), "text/plain");
-
   const CString cut("abcdef");
   const std::pair<CString, const char *> cuts[] = {{cut.Left(-1), ""},
                                                    {cut.Left(10), "abcdef"},

@@ -52,7 +52,6 @@ protected:
     ASSERT_NE(view_.get(), nullptr);
     ASSERT_EQ(truncate(path_.c_str(), static_cast<off_t>(pageSize())), 0);
   }
-
   const unsigned char *keptByte() const { return view_.get() + 10; }
   const unsigned char *cutOffByte() const { return view_.get() + 2 * pageSize() + 10; }
 

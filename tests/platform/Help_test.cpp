@@ -21,12 +21,10 @@ class HelpTest : public ::testing::Test {
 protected:
   void SetUp() override { writeFile(helpFile, kHelpFile); }
   void TearDown() override { tukFrameDestroy(frame); }
-
   BOOL help(const uint32_t *pairs, const char *file) {
     return WinHelpA(reinterpret_cast<HWND>(frame), file, HELP_WM_HELP,
                     reinterpret_cast<ULONG_PTR>(pairs));
   }
-
   TempDir dir;
   const std::string helpFile = dir.file("help.txt");
   ScriptedUser user;

@@ -15,7 +15,6 @@ protected:
         GetPrivateProfileStringA(section, key, defaultValue, buffer, size, ini.c_str());
     return std::to_string(count) + ":" + buffer;
   }
-
   TempDir dir;
   const std::string ini = dir.file("eudora.ini");
 };

@@ -40,7 +40,6 @@ protected:
     bytes.pop_back();
     return bytes;
   }
-
   TempDir dir;
 };
 
@@ -104,7 +103,6 @@ TEST(IconTest, ARegularFileHasOneStableIndexInBothListsAndOthersHaveNone) {
   EXPECT_EQ(-1, index(dir.file("missing.exe"), SHGFI_SYSICONINDEX));
   EXPECT_EQ(-1, index(dir.file("folder.exe"), SHGFI_SYSICONINDEX));
   EXPECT_EQ(-1, index(dir.file("eudora.exe"), 0x100)); // only the index is served
-
   failIconLookups(true);
   EXPECT_EQ(large, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX));
   EXPECT_EQ(-1, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX | SHGFI_SMALLICON));

@@ -52,7 +52,6 @@ private:
 class RecordingDialog : public CDialog {
 public:
   explicit RecordingDialog(UINT templateId = kChildTemplate) : CDialog(templateId) {}
-
   const MessageMap *GetMessageMap() const override {
     static const MessageMapEntry entries[] = {
         commandEntry<&RecordingDialog::onGo>(kGoId),
@@ -79,7 +78,6 @@ public:
     log.push_back("cancel");
     CDialog::OnCancel();
   }
-
   void onGo() { log.push_back("go"); }
   void onSize(UINT type, int width, int height) {
     log.push_back("size " + std::to_string(type) + " " + std::to_string(width) + "x" +
@@ -89,7 +87,6 @@ public:
     log.push_back("help " + std::to_string(info->iCtrlId));
     return TRUE;
   }
-
   CEdit edit;
   int checked = 1;
   std::vector<std::string> log;
@@ -114,7 +111,6 @@ protected:
     return page;
   }
   static TukWindow handle(const CWnd &window) { return reinterpret_cast<TukWindow>(window.m_hWnd); }
-
   TestModuleScope module;
   TukWindow frame = 0;
 };
@@ -130,7 +126,6 @@ TEST_F(WindowsTest, ATemplateMakesAHiddenPageWithItsControlsInPixels) {
   // The frame's client area starts at (4, 22); the template's (4, 8, 200, 100) dialog units
   // are (6, 13, 300, 163) pixels with base units of 6 by 13.
   EXPECT_TRUE(sameRect(dialog.rect, 10, 35, 310, 198));
-
   const std::vector<TukWindow> controls = childWindows(handle(page));
   ASSERT_EQ(5u, controls.size());
   const TukWindowInfo edit = windowInfo(controls[0]);
@@ -156,7 +151,6 @@ TEST_F(WindowsTest, ClicksAndKeysReachTheMapOnlyOnWindowsAPersonCanReach) {
   const TukWindow go = tukWindowFindChild(handle(*page), kGoId);
   const TukWindow box = tukWindowFindChild(handle(*page), kCheckId);
   page->log.clear();
-
   EXPECT_EQ(0, tukWindowClick(go));
   EXPECT_EQ(go, tukWindowFocused());
   EXPECT_EQ(0, tukWindowClick(box)); // an automatic check box toggles
@@ -167,7 +161,6 @@ TEST_F(WindowsTest, ClicksAndKeysReachTheMapOnlyOnWindowsAPersonCanReach) {
   EXPECT_EQ(0, page->checked); // CDialog's OnOK read the box back, then hid the dialog
   EXPECT_EQ(0, windowInfo(handle(*page)).visible);
   tukWindowShow(handle(*page), 1);
-
   page->log.clear();
   EXPECT_EQ(-1, tukWindowClick(tukWindowFindChild(handle(*page), IDOK)));    // hidden
   EXPECT_EQ(-1, tukWindowClick(tukWindowFindChild(handle(*page), kEditId))); // no button

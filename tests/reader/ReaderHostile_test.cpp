@@ -86,7 +86,6 @@ TEST(ReaderHostile, FiftyMegabyteBase64LineIsDecodedWhole) {
   const std::string line(encoded);
   g_free(encoded);
   ASSERT_GE(line.size(), 50u << 20);
-
   const std::string mixed = "From: a@example.com\nContent-Type: multipart/mixed; boundary=b\n\n"
                             "--b\nContent-Type: text/plain\n\nBefore it.\n--b\n";
   struct Shape {

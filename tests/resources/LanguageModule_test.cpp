@@ -71,7 +71,6 @@ TEST_F(LanguageModule, LoadsOnlyFromTheDirectoryOfTheCurrentInstance) {
   EXPECT_EQ(directoryOf(module->anchor), realPath(TUK_BIN_DIR));
   // A name whose last part has a dot is taken as it is.
   EXPECT_NE(load(std::string(kTestModule) + ".so"), nullptr);
-
   TempDir elsewhere;
   writeFile(elsewhere.file("tuk_mhmailYY.so"),
             readFile(std::string(TUK_BIN_DIR) + "/" + kTestModule + ".so"));
@@ -106,7 +105,6 @@ TEST_F(LanguageModule, StringsAndTemplatesComeFromTheModuleElseFromTheInstance) 
   AfxSetResourceHandle(nullptr); // then the instance's own table answers
   EXPECT_TRUE(text.LoadString(25));
   EXPECT_EQ(text, "Eudora Mail");
-
   const DialogTemplate *view = findDialog(module.get(), 133);
   ASSERT_NE(view, nullptr);
   EXPECT_STREQ(view->caption, "XX View");

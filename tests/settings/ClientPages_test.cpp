@@ -13,7 +13,6 @@ protected:
     start(GetParam().key);
   }
   const Client &client() const { return GetParam(); }
-
   const std::string exeDir = dir.file("Program Files/Client");
   const std::string mailDir = dir.file("Mail");
 };

@@ -23,7 +23,6 @@ protected:
     tukWindowSetCheck(control(page, kAttachBox), box);
     return page;
   }
-
   const std::string exeDir = dir.file("Eudora");
   const std::string mailDir = dir.file("Mail");
 };
@@ -86,7 +85,6 @@ TEST_F(EudoraPageTest, EitherProgramNamePassesAndOnlyTheirExistenceCounts) {
 class EudoraSettingsTest : public SettingsTest {
 protected:
   void SetUp() override { start(kKey); } // for the module state, the strings and the log
-
   std::unique_ptr<CEudoraAgent> agentFor(const std::string &key) {
     auto agent = std::make_unique<CEudoraAgent>(CString("EN"), key.c_str());
     const char *name = nullptr;
@@ -131,7 +129,6 @@ TEST_F(EudoraSettingsTest, TheIniValueIsTakenUpTo257Bytes) {
   CString attachDir("kept");
   EXPECT_EQ(0, agent->getAttachmentsDir(mail, attachDir));
   EXPECT_EQ(dir.file("Mail") + "/Attach", attachDir.GetString()); // no eudora.ini
-
   for (const size_t length : {257, 258, 300}) {
     SCOPED_TRACE(length);
     writeFile(dir.file("Mail/eudora.ini"),

@@ -31,7 +31,6 @@ protected:
     return RecordBuffer(mailbox, box.ranges[0].offset, box.ranges[0].length,
                         referenceChecksum(message));
   }
-
   const std::string mailbox = dir.file("Mail/In box");
 };
 

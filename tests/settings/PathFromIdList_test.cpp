@@ -28,7 +28,6 @@ public:
   }
   ULONG AddRef() override { return 1; }
   ULONG Release() override { return 1; }
-
   UINT form = STRRET_WSTR;
   HRESULT result = S_OK;
   DWORD lastFlags = 0;

@@ -62,7 +62,6 @@ protected:
     session.reset();
     tukFrameDestroy(frame);
   }
-
   // Brings the agent of `key` up, with its log on and captured.
   void start(const std::string &key) {
     CapturedLog::lines().clear();
@@ -70,7 +69,6 @@ protected:
     entries().setLogFlag(1);
   }
   const AgentEntryTable &entries() const { return session->entries(); }
-
   // The page of the agent in the frame, shown by the host unless asked not to.
   TukWindow openPage(bool show = true) {
     AgentHandle page = 0;
@@ -84,7 +82,6 @@ protected:
   static void type(TukWindow page, int id, const std::string &text) {
     ASSERT_EQ(0, tukWindowSetText(control(page, id), text.c_str()));
   }
-
   // A string registry value, or "<unread>".
   static std::string stored(const std::string &key, const char *name) {
     CString value("<unread>");
@@ -102,7 +99,6 @@ protected:
     text.LoadString(id);
     return text.GetString();
   }
-
   TempDir dir;
   const std::string registryPath = dir.file("registry.reg");
   ScopedEnvironment registry{"TUK_REGISTRY", registryPath};

@@ -44,7 +44,6 @@ protected:
     EXPECT_EQ(-1, file.nextMessage());
     return ranges;
   }
-
   AgentSession session;
   TempDir dir;
 };

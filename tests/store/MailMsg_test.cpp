@@ -22,7 +22,6 @@ protected:
     return message;
   }
   std::vector<std::unique_ptr<CMailMsg>> built_;
-
   static std::string body(const CMailMsg &message) {
     return message.bodyLength ? std::string(reinterpret_cast<const char *>(message.body.get()),
                                             message.bodyLength)

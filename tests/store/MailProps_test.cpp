@@ -67,7 +67,6 @@ protected:
     block.resize(used);
     return block;
   }
-
   AgentSession session;
 };
 

@@ -14,7 +14,6 @@ public:
   AgentSession(const AgentSession &) = delete;
   AgentSession &operator=(const AgentSession &) = delete;
   ~AgentSession();
-
   const AgentEntryTable &entries() const { return *result_.entryTable; }
 
 private:

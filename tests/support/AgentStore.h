@@ -21,7 +21,6 @@ protected:
   // The registry, the zone and the mail folder; the Eudora agent, started.
   void SetUp() override;
   void TearDown() override;
-
   // Ends the agent's life, if it has one, and brings it up with `key`, whose MailPath is made
   // `mail` first.
   AgentResult startAgent(const std::string &key, LogSink sink = nullptr,
@@ -29,10 +28,8 @@ protected:
   // startAgent with the agent's log on and captured (CapturedLog), from a clean slate.
   void startLogging(const std::string &key = kEudoraKey);
   const AgentEntryTable &entries() const { return agent_.entries(); }
-
   // Writes the Eudora mailbox `stem`, a path below `mail` without extension, and its control file.
   void mailbox(const std::string &stem, const std::string &bytes = eudoraMessage("x"));
-
   // The host's calls of tests/support/HostWalk.h on this agent.
   int32_t findFirst(AgentHandle &search, KeptRecord &record) {
     return ::findFirst(entries(), search, record);
@@ -46,7 +43,6 @@ protected:
   }
   // The mailboxes of a walk's records, in order.
   static std::vector<std::string> pathsOf(const StoreWalk &walk);
-
   TempDir dir;
   const std::string mail = dir.file("mail");
 

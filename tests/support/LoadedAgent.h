@@ -12,7 +12,6 @@ public:
   LoadedAgent(const LoadedAgent &) = delete;
   LoadedAgent &operator=(const LoadedAgent &) = delete;
   ~LoadedAgent();
-
   // Calls initAgent; the entry table and name of the result are kept.
   AgentResult init(const std::string &agentKey, const std::string &language = "EN",
                    LogSink sink = nullptr);

@@ -28,7 +28,6 @@ private:
     if (changed_)
       changed_();
   }
-
   const char *name_;
   void (*changed_)();
   std::optional<std::string> old_;

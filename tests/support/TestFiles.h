@@ -12,7 +12,6 @@ public:
   TempDir(const TempDir &) = delete;
   TempDir &operator=(const TempDir &) = delete;
   ~TempDir();
-
   const std::string &path() const { return path_; }
   // path() + "/" + relative
   std::string file(const std::string &relative) const;
