@@ -40,13 +40,9 @@ TEST_F(RegistryTest, MissingFileIsEmptyAndWritesMakeFileAndFolders) {
   ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString("/home/ann/mail")));
   ASSERT_NE(0, SetRegValue(kKey, "Attachments", 1));
   ASSERT_NE(0, SetRegValue("Software\\Tuk\\MHEudoraFile", "Attachments", -1));
-  EXPECT_EQ(kHeader +
-                "[Software\\Tuk\\MHEudora]\n"
-                "\"MailPath\"=\"/home/ann/mail\"\n"
-                "\"Attachments\"=dword:00000001\n"
-                "\n"
-                "[Software\\Tuk\\MHEudoraFile]\n"
-                "\"Attachments\"=dword:ffffffff\n",
+  EXPECT_EQ(kHeader + "[Software\\Tuk\\MHEudora]\n\"MailPath\"=\"/home/ann/mail\"\n"
+                      "\"Attachments\"=dword:00000001\n\n[Software\\Tuk\\MHEudoraFile]\n"
+                      "\"Attachments\"=dword:ffffffff\n",
             readFile(nested));
   EXPECT_EQ(std::optional<int32_t>(-1), readNumber("Software\\Tuk\\MHEudoraFile", "Attachments"));
 }
@@ -98,25 +94,14 @@ TEST_F(RegistryTest, StringsAndIntegersDoNotReadAsEachOther) {
 }
 
 TEST_F(RegistryTest, LinesNotUnderstoodSurviveWritesByteForByte) {
-  const std::string head = "Windows Registry Editor Version 5.00\r\n"
-                           "\r\n"
-                           "; settings of the mail agent\r\n"
-                           "[HKEY_CURRENT_USER\\Other]\r\n"
-                           "@=\"default value\"\r\n"
-                           "\"Other\"=\"x\"\r\n"
-                           "\r\n"
-                           "[Software\\Tuk\\MHEudora]\r\n"
-                           "\"MailPath\"=\"";
-  const std::string middle = "\"\r\n"
-                             "garbage without quotes\n"
-                             "\"Broken\"=\"no closing quote\r\n"
-                             "\"Blob\"=hex:01,02,\\\r\n"
-                             "  03,04";
-  const std::string tail = "\r\n"
-                           "\r\n"
-                           "; the next key\r\n"
-                           "[HKEY_CURRENT_USER\\Other]\r\n"
-                           "\"Tail\"=dword:00000001";
+  const std::string head =
+      "Windows Registry Editor Version 5.00\r\n\r\n; settings of the mail agent\r\n"
+      "[HKEY_CURRENT_USER\\Other]\r\n@=\"default value\"\r\n\"Other\"=\"x\"\r\n\r\n"
+      "[Software\\Tuk\\MHEudora]\r\n\"MailPath\"=\"";
+  const std::string middle = "\"\r\ngarbage without quotes\n\"Broken\"=\"no closing quote\r\n"
+                             "\"Blob\"=hex:01,02,\\\r\n  03,04";
+  const std::string tail =
+      "\r\n\r\n; the next key\r\n[HKEY_CURRENT_USER\\Other]\r\n\"Tail\"=dword:00000001";
   writeFile(registry_, head + "/old" + middle + tail);
   EXPECT_EQ("<unread>", readString(kKey, "Broken"));
   EXPECT_EQ("<unread>", readString(kKey, "Blob"));

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -232,32 +233,26 @@ TEST_F(ModalTest, TheUserGetsTheShownDialogAndNobodyMeansCancel) {
   EXPECT_EQ(windowsBefore, childWindows(0).size());
   // With a user, the dialog is shown and its ending is the result.
   ScriptedUser user;
-  const struct {
-    int32_t key; // 0: the user leaves it open
-    INT_PTR result;
-    const char *handler;
-  } cases[] = {
+  // The key the user presses (0: none, the dialog left open), the result and the handler.
+  const std::tuple<int32_t, INT_PTR, std::string> cases[] = {
       {TUK_KEY_ENTER, IDOK, "ok"}, {TUK_KEY_ESCAPE, IDCANCEL, "cancel"}, {0, IDCANCEL, "cancel"}};
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.key);
+  for (const auto &[key, result, handler] : cases) {
+    SCOPED_TRACE(key);
     TukWindow shown = 0;
-    user.onModal = [&](TukWindow window) {
+    user.onModal = [&, key = key](TukWindow window) {
       shown = window;
       const TukWindowInfo info = windowInfo(window);
       EXPECT_EQ(1, info.visible);
       EXPECT_EQ(0u, info.parent);
       EXPECT_EQ("Popup", windowText(window));
-      if (c.key != 0) {
-        EXPECT_EQ(0, tukWindowPressKey(tukWindowFindChild(window, kEditId), c.key));
-      }
+      EXPECT_TRUE(key == 0 || tukWindowPressKey(tukWindowFindChild(window, kEditId), key) == 0);
     };
     dialog.log.clear();
-    EXPECT_EQ(c.result, dialog.DoModal());
-    EXPECT_EQ(c.handler, dialog.log.back());
+    EXPECT_EQ(result, dialog.DoModal());
+    EXPECT_EQ(handler, dialog.log.back());
     EXPECT_EQ("Popup", user.last(TUK_USER_MODAL_DIALOG)->text);
     EXPECT_EQ(-1, tukWindowGetInfo(shown, nullptr)); // gone when DoModal returns
     EXPECT_EQ(nullptr, dialog.m_hWnd);
   }
 }
-
 } // namespace

@@ -66,16 +66,9 @@ TEST_F(MailFileTest, EachClientsDelimitersFrameTheMessages) {
       // It counts in the middle of a line; near misses are text.
       {e, "line " + kEudora + "ab", {{0, 5}, {17, 2}}},
       {e, "from ???@???abcd", {{0, 16}}},
-      {e,
-       "From ???@??"
-       "!abcd",
-       {{0, 16}}},
+      {e, "From ???@?\?!abcd", {{0, 16}}},
       // Of 00 7F 00 7F 00 7F the first four are the delimiter; the message starts with 00 7F.
-      {i,
-       kInternet + std::string("\0\x7F"
-                               "ab",
-                               4),
-       {{4, 4}}},
+      {i, kInternet + std::string("\0\x7F", 2) + "ab", {{4, 4}}},
       {i, kInternet + std::string("a\0b\0c", 5) + kInternet + "z", {{4, 5}, {13, 1}}},
       {p, h, {}},
       {p, "short", {}},

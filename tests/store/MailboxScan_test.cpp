@@ -3,6 +3,8 @@
 #include "tests/support/AgentSession.h"
 #include "tests/support/TestFiles.h"
 #include <gtest/gtest.h>
+#include <iterator>
+#include <sstream>
 #include <tuple>
 #include <vector>
 
@@ -18,6 +20,12 @@ Names elements(const CStringList &list, const std::string &root) {
                                                           : text);
   }
   return out;
+}
+
+// The words of `text`.
+Names split(const std::string &text) {
+  std::istringstream words(text);
+  return Names(std::istream_iterator<std::string>(words), {});
 }
 
 class MailboxScanTest : public ::testing::Test {
@@ -40,49 +48,33 @@ TEST_F(MailboxScanTest, WalkListsLevelByLevel) {
 }
 
 TEST_F(MailboxScanTest, MailFilesPairWithAControlFileOfTheirStem) {
-  // Why; the store's files ("name/" is a folder); the two extensions; the mail files paired.
-  const std::tuple<const char *, Names, const char *, const char *, Names> cases[] = {
-      {"by stem without regard to case, named as on disk",
-       {"IN.MBX", "in.toc", "Out.mbx", "Out.Toc", "Lone.mbx", "Orphan.toc", "work/In.mbx",
-        "home/In.toc"},
-       ".MBX",
-       ".TOC",
-       {"~/IN.MBX"}},
-      {"in the control files' order, each mail file once",
-       {"b.mbx", "a.mbx", "a.toc", "b.toc", "b.TOC"},
-       ".mbx",
-       ".toc",
-       {"~/a.mbx", "~/b.mbx"}},
-      {"an empty mail extension takes files without one",
-       {"Inbox", "Inbox.snm", "Sent", "Drafts.snm", "Archive.sbd/1998", "Archive.sbd/1998.SNM"},
-       "",
-       ".SNM",
-       {"~/Inbox", "~/Archive.sbd/1998"}},
-      {"the control extension is found anywhere in the name",
-       {"notes.toc.bak", "notes.toc.mbx", "old.toc.mbx"},
-       ".mbx",
-       ".toc",
-       {"~/notes.toc.mbx", "~/old.toc.mbx"}},
-      {"a folder with the mail extension is no mail file",
-       {"a.toc", "x.mbx/", "x.toc"},
-       ".mbx",
-       ".toc",
-       {}},
-      {"nor one without an extension, not even by the \".\" entry a \".snm\" in it would pair",
-       {"Inbox", "Inbox.snm", "Box/.snm", "Box.snm"},
-       "",
-       ".SNM",
-       {"~/Inbox"}},
+  // The two extensions, the store's files ("name/" is a folder), the mail files paired.
+  const std::tuple<const char *, const char *, const char *, const char *> cases[] = {
+      // By stem without regard to case, named as on disk.
+      {".MBX", ".TOC", "IN.MBX in.toc Out.mbx Out.Toc Lone.mbx Orphan.toc work/In.mbx home/In.toc",
+       "~/IN.MBX"},
+      // In the control files' order, each mail file once.
+      {".mbx", ".toc", "b.mbx a.mbx a.toc b.toc b.TOC", "~/a.mbx ~/b.mbx"},
+      // An empty mail extension takes files without one.
+      {"", ".SNM", "Inbox Inbox.snm Sent Drafts.snm Archive.sbd/1998 Archive.sbd/1998.SNM",
+       "~/Inbox ~/Archive.sbd/1998"},
+      // The control extension is found anywhere in the name.
+      {".mbx", ".toc", "notes.toc.bak notes.toc.mbx old.toc.mbx", "~/notes.toc.mbx ~/old.toc.mbx"},
+      // A folder with the mail extension is no mail file; nor one without an extension, not
+      // even by the "." entry a ".snm" in it would pair.
+      {".mbx", ".toc", "a.toc x.mbx/ x.toc", ""},
+      {"", ".SNM", "Inbox Inbox.snm Box/.snm Box.snm", "~/Inbox"},
   };
-  for (const auto &[why, files, mailExt, ctrlExt, expected] : cases) {
-    SCOPED_TRACE(why);
+  for (const auto &[mailExt, ctrlExt, files, paired] : cases) {
+    SCOPED_TRACE(files);
     TempDir store;
-    for (const std::string &file : files)
+    for (const std::string &file : split(files))
       if (file.back() == '/')
         makeDirs(store.file(file));
       else
         writeFile(store.file(file), "x");
     CMailFilenameList list;
+    const Names expected = split(paired);
     EXPECT_EQ(static_cast<int>(expected.size()),
               list.findMailboxes(store.path().c_str(), mailExt, ctrlExt));
     EXPECT_EQ(expected, elements(list, store.path()));
