@@ -35,7 +35,7 @@ protected:
   }
 };
 
-TEST_F(LanguageTest, GermanModuleSuppliesNamesMonthsAndHeaders) {
+TEST_F(LanguageTest, LanguageModulesSupplyNamesMonthsAndHeadersElseTheBuiltInStringsStay) {
   EXPECT_STREQ("Eudora E-Mail", startAgent(kEudoraKey, nullptr, "DE").agentName);
   EXPECT_EQ((std::vector<std::string>{"betreff", "titel", "ort", "an", "von", "kopie", "autor"}),
             propertyNames());
@@ -47,10 +47,8 @@ TEST_F(LanguageTest, GermanModuleSuppliesNamesMonthsAndHeaders) {
   // A new life in English looks its strings up in the agent again.
   EXPECT_STREQ("Eudora Mail", startAgent(kEudoraKey).agentName);
   EXPECT_EQ("Hello", open("x\nSubject: Hello\n\n").first);
-}
-
-TEST_F(LanguageTest, MissingModuleLeavesTheBuiltInStrings) {
-  // "en" is not "EN": a module of that name is tried, found missing, and passed over.
+  // A missing module leaves the built-in strings. "en" is not "EN": a module of that name is
+  // tried, found missing, and passed over.
   for (const char *language : {"FR", "en"}) {
     EXPECT_STREQ("Pegasus Mail", startAgent("MHPegasus", nullptr, language).agentName);
     EXPECT_EQ("subject", propertyNames()[0]);

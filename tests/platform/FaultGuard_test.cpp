@@ -89,7 +89,7 @@ bool diedOfBusError(int status) {
 }
 }  // namespace
 
-TEST_F(TruncatedMapping, AReadPastTheNewEndFailsAndLaterReadsStillWork) {
+TEST_F(TruncatedMapping, AReadPastTheNewEndFailsItsOwnGuardOnlyAndLaterReadsStillWork) {
   unsigned char value = 0;
   EXPECT_FALSE(guardedRead(cutOffByte(), value));
   // The jump out of the handler must not leave SIGBUS blocked: a second fault would kill.
@@ -97,10 +97,7 @@ TEST_F(TruncatedMapping, AReadPastTheNewEndFailsAndLaterReadsStillWork) {
   EXPECT_FALSE(guardedRead(cutOffByte(), value));
   EXPECT_TRUE(guardedRead(keptByte(), value));
   EXPECT_EQ(value, 'x');
-}
-
-TEST_F(TruncatedMapping, NestedGuardsEachCatchTheirOwnFault) {
-  unsigned char value = 0;
+  // Nested guards each catch their own fault.
   bool innerCompleted = true;
   bool outerWentOn = false;
   EXPECT_TRUE(runGuarded([&] {
@@ -179,7 +176,6 @@ TEST(FaultGuardDeathTest, ABusErrorNoGuardClaimsKillsOrGoesWhereItWentBefore) {
       },
       ::testing::KilledBySignal(SIGBUS), "");
   // A handler that was there before gets the fault.
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
         struct sigaction earlier = {};

@@ -114,11 +114,7 @@ TEST_F(LanguageModule, StringsAndTemplatesComeFromTheModuleElseFromTheInstance) 
   EXPECT_EQ(view->items[1].style, 0x40000004u) << std::hex << view->items[1].style;
   EXPECT_EQ(findDialog(module.get(), 130), findDialog(&agentTestModule, 130));
   EXPECT_EQ(findDialog(module.get(), 132), nullptr);
-}
-
-TEST_F(LanguageModule, EscapesCommentsAndRawBytesSurviveCompilation) {
-  const LoadedModule module = load(kTestModule);
-  ASSERT_NE(module, nullptr);
+  // Escapes, comments and raw bytes survive the compilation.
   const char escapes[] = "tab\there\nnl\rcr\\bs\"q\"dqAA\0end";
   EXPECT_EQ(textOf(findString(module.get(), 900)), std::string(escapes, sizeof escapes - 1));
   EXPECT_EQ(textOf(findString(module.get(), 901)), "// is text /* and so is this */");

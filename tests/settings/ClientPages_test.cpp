@@ -46,7 +46,7 @@ TEST_P(ClientPageTest, OpensHiddenInTheFrameShowingTheStoredDirectories) {
   EXPECT_TRUE(CapturedLog::contains("Failed trying to get ExePath value\n"));
 }
 
-TEST_P(ClientPageTest, TheCheckStepWarnsOfWhatIsMissingAndRetryKeepsTheUserOnThePage) {
+TEST_P(ClientPageTest, TheCheckStepWarnsRetryStaysAndNeitherItNorACloseStores) {
   const std::string bareDir = dir.file("bare");
   makeDirs(bareDir);
   writeFile(dir.file("a file"), "");
@@ -81,6 +81,12 @@ TEST_P(ClientPageTest, TheCheckStepWarnsOfWhatIsMissingAndRetryKeepsTheUserOnThe
   EXPECT_EQ(1, entries().Validate(0));
   EXPECT_TRUE(user.events.empty());
   EXPECT_FALSE(registryWritten()); // a check step never stores
+  // Closed without a store: the page goes, and a store after it has nothing to store.
+  EXPECT_EQ(0, entries().propPageClose());
+  EXPECT_EQ(-1, tukWindowGetInfo(page, nullptr));
+  EXPECT_TRUE(childWindows(frame).empty());
+  EXPECT_EQ(1, entries().Validate(1));
+  EXPECT_FALSE(registryWritten());
 }
 
 TEST_P(ClientPageTest, TheStoreStepStoresWithCommitOneOnlyAndNeverAsks) {
@@ -95,19 +101,6 @@ TEST_P(ClientPageTest, TheStoreStepStoresWithCommitOneOnlyAndNeverAsks) {
   EXPECT_EQ(dir.file("no program"), stored(client().key, "ExePath"));
   EXPECT_TRUE(CapturedLog::contains("Validate: Mail: " + dir.file("no mail") +
                                     "\tExe: " + dir.file("no program") + "\tAttach: 0"));
-}
-
-TEST_P(ClientPageTest, ClosingWithoutAStoreLeavesTheRegistryAsItWas) {
-  const TukWindow page = openPage();
-  type(page, kMailEdit, mailDir);
-  type(page, kExeEdit, exeDir);
-  EXPECT_EQ(1, entries().Validate(0));
-  EXPECT_EQ(0, entries().propPageClose());
-  EXPECT_FALSE(registryWritten());
-  EXPECT_EQ(-1, tukWindowGetInfo(page, nullptr));
-  EXPECT_TRUE(childWindows(frame).empty());
-  EXPECT_EQ(1, entries().Validate(1)); // no page: nothing to store
-  EXPECT_FALSE(registryWritten());
 }
 
 TEST_P(ClientPageTest, EnterAndEscDoNothingAndF1ShowsTheTopicOfTheField) {

@@ -34,7 +34,7 @@ protected:
   const std::string mailbox = dir.file("Mail/In box");
 };
 
-TEST_P(ViewerTest, ShowsTheSevenTextsWhileTheMailboxIsReleased) {
+TEST_P(ViewerTest, ShowsTheSevenTextsWhileTheMailboxIsReleasedAndBodiesUpToAZeroByte) {
   RecordBuffer record = storeMessage("first line\nsecond line\r\nthird");
   const size_t windowsBefore = childWindows(0).size();
   std::map<int, std::string> shown;
@@ -62,10 +62,7 @@ TEST_P(ViewerTest, ShowsTheSevenTextsWhileTheMailboxIsReleased) {
   EXPECT_EQ(0u, user.count(TUK_USER_MESSAGE_BOX));
   EXPECT_EQ(windowsBefore, childWindows(0).size()); // nothing stays behind
   EXPECT_TRUE(CapturedLog::contains("RunObject called"));
-}
-
-TEST_P(ViewerTest, BodiesReachTheBoxUpToAZeroByteAndWithLineEndsOnlyForPegasus) {
-  const bool pegasus = GetParam().name == std::string("Pegasus");
+  // Bodies reach the box up to a zero byte, with CR LF line ends only for Pegasus.
   const std::tuple<std::string, std::string, std::string> cases[] = {
       {"", "", ""},
       {"no line end", "no line end", "no line end"},
