@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sys/stat.h>
 #include <unistd.h>
 
 void fuzzCheckFailed(const char *condition, const char *file, int line) {
@@ -15,13 +14,11 @@ void fuzzCheckFailed(const char *condition, const char *file, int line) {
 
 namespace {
 std::string makeScratchDir() {
-  struct stat status;
-  const char *chosen = std::getenv("TUK_FUZZ_SCRATCH");
-  const char *base = chosen != nullptr && *chosen != '\0' ? chosen : "/dev/shm";
-  if (::stat(base, &status) != 0 || !S_ISDIR(status.st_mode) || ::access(base, W_OK) != 0) {
-    const char *tmp = std::getenv("TMPDIR");
-    base = tmp != nullptr && *tmp != '\0' ? tmp : "/tmp";
-  }
+  const char *chosen = std::getenv("TUK_FUZZ_SCRATCH"), *tmp = std::getenv("TMPDIR");
+  const char *base = chosen != nullptr && *chosen != '\0' ? chosen
+                     : ::access("/dev/shm", W_OK) == 0    ? "/dev/shm"
+                     : tmp != nullptr && *tmp != '\0'     ? tmp
+                                                          : "/tmp";
   std::string pattern = std::string(base) + "/tuk-fuzz-XXXXXX";
   if (::mkdtemp(pattern.data()) == nullptr) {
     std::perror("mkdtemp");

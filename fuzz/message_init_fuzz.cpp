@@ -29,7 +29,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const std::unique_ptr<uint8_t[]> bytes(new uint8_t[size]);
   if (size != 0)
     std::memcpy(bytes.get(), data, size);
-
   CMailMsg message;
   FUZZ_CHECK(message.init(bytes.get(), length, "/mail/In.mbx") == 0);
   FUZZ_CHECK(message.checksum == referenceChecksum(data, size));

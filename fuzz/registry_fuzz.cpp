@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -38,17 +39,11 @@ std::string readValue(const char *key, const char *name) {
 
 // The lines of a text, each without its line end (LF, or CR LF).
 std::vector<std::string> linesOf(const std::string &text) {
+  std::istringstream in(text);
   std::vector<std::string> lines;
-  size_t begin = 0;
-  while (begin < text.size()) {
-    const size_t newline = text.find('\n', begin);
-    const size_t next = newline == std::string::npos ? text.size() : newline + 1;
-    size_t end = newline == std::string::npos ? text.size() : newline;
-    if (newline != std::string::npos && end > begin && text[end - 1] == '\r')
-      --end;
-    lines.push_back(text.substr(begin, end - begin));
-    begin = next;
-  }
+  for (std::string line; std::getline(in, line); lines.push_back(line))
+    if (!in.eof() && !line.empty() && line.back() == '\r')
+      line.pop_back();
   return lines;
 }
 
@@ -97,7 +92,6 @@ extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   for (const char *k : kKeys)
     for (const char *n : kNames)
       seenBefore.push_back(readValue(k, n));
-
   const int written = value.isNumber ? SetRegValue(key, name, value.number)
                                      : SetRegValue(key, name, CString(value.text));
   FUZZ_CHECK(written != 0);

@@ -59,8 +59,8 @@ TEST_P(HostStoreTest, IndexesEveryMessageWithRecordFieldsAndTime) {
     return sum;
   }();
   EXPECT_TRUE(indexed(run, "5 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw; 2 of 2 "
-                          "mailboxes read; " + std::to_string(bytes) + " bytes in "));
-
+                           "mailboxes read; " +
+                               std::to_string(bytes) + " bytes in "));
   const std::vector<JsonObject> hits = searchJson("subject:quarterly");
   ASSERT_EQ(1u, hits.size());
   const JsonObject &hit = hits.front();

@@ -23,22 +23,18 @@ protected:
 };
 
 TEST_F(HostReaderTest, FindsEveryDecodedWordAndNoneOfTheEncoding) {
-  const std::pair<const char *, const char *> found[] = {
-      {"xylophone", "base64 text"},
-      {"Käsekuchen", "quoted-printable"},
-      {"kasekuchen", "quoted-printable"},
-      {"hippopotamus", "quoted-printable"},
-      {"Müller", "undeclared eight bit"},
-      {"aardvark", "html only"},
-      {"Überweisung", "Überweisung"},
-      {"from:Jörg", "Überweisung"},
-      {"narwhal", "alternative with attachment"},
-      {"pangolin", "alternative with attachment"},
-      {"wombat", "alternative with attachment"},
-      {"attachment:resume", "alternative with attachment"},
+  // Each subject, and the queries that find its message alone.
+  const std::pair<const char *, std::vector<const char *>> found[] = {
+      {"base64 text", {"xylophone"}},
+      {"quoted-printable", {"Käsekuchen", "kasekuchen", "hippopotamus"}},
+      {"undeclared eight bit", {"Müller"}},
+      {"html only", {"aardvark"}},
+      {"Überweisung", {"Überweisung", "from:Jörg"}},
+      {"alternative with attachment", {"narwhal", "pangolin", "wombat", "attachment:resume"}},
   };
-  for (const auto &[query, subject] : found)
-    EXPECT_EQ(only(query).strings["subject"], subject) << query;
+  for (const auto &[subject, queries] : found)
+    for (const char *query : queries)
+      EXPECT_EQ(only(query).strings["subject"], subject) << query;
   // Encodings, markup and the HTML alternative of a plain part are not text.
   for (const char *absent : {"C3", "hippopota", "color", "nbsp", "tagword", "walrus", "UTF",
                              "w5xiZXJ3ZWlzdW5n"})

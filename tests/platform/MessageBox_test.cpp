@@ -12,7 +12,6 @@ TEST(MessageBoxTest, TheUserSeesTheBoxAndOnlyItsButtonsCount) {
                                          {MB_YESNO, IDOK}};
   for (const auto &[type, answer] : nobody)
     EXPECT_EQ(answer, MessageBoxA(nullptr, "text", "caption", type)) << type;
-
   ScriptedUser user;
   const TukWindow frame = tukFrameCreate("Owner", 10, 10);
   user.boxAnswers = {IDRETRY, IDYES, 0, IDOK};

@@ -43,9 +43,7 @@ TEST(WindowApiTest, AFrameIsAVisibleTopLevelWindowAndBadHandlesFailQuietly) {
     EXPECT_EQ(-1, tukWindowPressKey(bad, TUK_KEY_F1));
     EXPECT_EQ(-1, tukFrameDestroy(bad));
     EXPECT_EQ(0u, tukWindowFindChild(bad, 1));
-    if (bad != 0) {
-      EXPECT_EQ(-1, tukWindowChildren(bad, nullptr, 0));
-    }
+    EXPECT_TRUE(bad == 0 || tukWindowChildren(bad, nullptr, 0) == -1);
   }
   const TukWindow empty = tukFrameCreate(nullptr, -5, -5);
   EXPECT_EQ(-1, tukWindowGetInfo(empty, nullptr));

@@ -65,7 +65,6 @@ TEST(MailDatesTest, HeaderDatesInUtcAndDelimiterLinesInLocalTime) {
   int64_t utc = 0;
   for (const char *none : {"", "soon", "Thu, 15 Xyz 1998 10:30:45"})
     EXPECT_FALSE(parseHeaderDate(none, utc)) << none;
-
   struct tm local = {};
   local.tm_year = 98, local.tm_mday = 15, local.tm_hour = 10, local.tm_min = 30,
   local.tm_sec = 45, local.tm_isdst = -1;
@@ -110,5 +109,4 @@ TEST(MailReaderTest, TextOfTheRightPartsAndAttachmentsByName) {
   EXPECT_EQ(uu.attachments[0].name, "cat.txt");
   EXPECT_EQ(uu.attachments[0].size, 3u);
 }
-
 } // namespace

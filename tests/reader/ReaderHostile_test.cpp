@@ -5,6 +5,7 @@
 #include <glib.h>
 #include <gtest/gtest.h>
 #include <string_view>
+#include <tuple>
 
 namespace {
 constexpr unsigned kBound = 300; // seconds: a hang, not a slow sanitized build
@@ -88,25 +89,19 @@ TEST(ReaderHostile, FiftyMegabyteBase64LineIsDecodedWhole) {
   ASSERT_GE(line.size(), 50u << 20);
   const std::string mixed = "From: a@example.com\nContent-Type: multipart/mixed; boundary=b\n\n"
                             "--b\nContent-Type: text/plain\n\nBefore it.\n--b\n";
-  struct Shape {
-    const char *name;
-    std::string head, tail;
-    bool attached;
-  };
-  const Shape shapes[] = {
-      {"the whole body", "Content-Type: text/plain\nContent-Transfer-Encoding: base64\n\n", "",
-       false},
-      {"a text part", mixed + "Content-Type: text/plain\nContent-Transfer-Encoding: base64\n\n",
-       "\n--b--\n", false},
-      {"an attachment",
-       mixed + "Content-Type: application/octet-stream; name=big.bin\n"
+  const std::string text = "Content-Type: text/plain\nContent-Transfer-Encoding: base64\n\n";
+  // What comes before the line and behind it, and whether that makes it an attachment.
+  const std::tuple<std::string, std::string, bool> shapes[] = {
+      {text, "", false},
+      {mixed + text, "\n--b--\n", false},
+      {mixed + "Content-Type: application/octet-stream; name=big.bin\n"
                "Content-Transfer-Encoding: base64\n\n",
        "\n--b--\n", true},
   };
-  for (const Shape &shape : shapes) {
-    SCOPED_TRACE(shape.name);
-    const ReadMessage message = read(shape.head + line + shape.tail);
-    if (shape.attached) {
+  for (const auto &[head, tail, attached] : shapes) {
+    SCOPED_TRACE(head);
+    const ReadMessage message = read(head + line + tail);
+    if (attached) {
       ASSERT_EQ(message.attachments.size(), 1u);
       EXPECT_EQ(message.attachments[0].size, plain.size());
       EXPECT_NE(message.text.find("Before it."), std::string::npos);

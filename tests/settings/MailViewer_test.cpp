@@ -126,7 +126,6 @@ TEST_F(ViewerLayoutTest, TheWindowGrowsAndShrinksByTheRulesButNeverBelowItsFirst
     for (const TukWindow child : childWindows(dialog))
       ids.push_back(windowInfo(child).id);
     EXPECT_EQ(tabOrder, ids);
-
     ASSERT_EQ(0, tukWindowResize(dialog, 596 + 120, 457 + 80));
     const Layout grown = layoutOf(dialog);
     const std::vector<TukWindow> controls = childWindows(dialog);
