@@ -63,21 +63,17 @@ TEST_F(ObjectSearchTest, TwoSearchesRunSideBySide) {
   EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(b));
 }
 
-// A walk's messages keep only what its records need, but with the log on they still log the
-// subject they read.
-TEST_F(ObjectSearchTest, AWalkLogsEachMessagesSubject) {
+TEST_F(ObjectSearchTest, AWalkLogsEachSubjectAndStoresThatGiveNoObject) {
+  // A walk's messages keep only what its records need, but with the log on they still log the
+  // subject they read.
   startLogging();
   EXPECT_EQ(4u, walk().records.size());
   EXPECT_TRUE(CapturedLog::contains(".\\MailMsg|Subject: one"));
   EXPECT_TRUE(CapturedLog::contains(".\\MailMsg|Subject: two"));
-}
-
-TEST_F(ObjectSearchTest, StoresThatGiveNoObject) {
   AgentHandle search = 42;
   KeptRecord record;
   // An empty MailPath: not a walk of the whole file system from its root.
   const Watchdog watchdog(60);
-  startLogging();
   ASSERT_NE(0, SetRegValue(kEudoraKey, "MailPath", CString("")));
   EXPECT_EQ(StatusNoMoreObjects, findFirst(search, record));
   EXPECT_TRUE(CapturedLog::contains("Failed trying to get MailPath value"));

@@ -68,5 +68,4 @@ TEST_F(HostConfigTest, ExtensionsGoStraightIntoTheRegistry) {
   EXPECT_TRUE(registryHas(registryLine("MailFileExt", "")));
   EXPECT_FALSE(registryHas("MailPath")) << "no page was needed";
 }
-
 } // namespace

@@ -5,6 +5,7 @@
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/TestFiles.h"
 #include <gtest/gtest.h>
+#include <iterator>
 #include <memory>
 #include <unistd.h>
 
@@ -45,7 +46,8 @@ protected:
 
 // A name that is UTF-8 text, four-byte characters too, comes back as wide text; bytes that are
 // no text (Latin-1, an overlong form, a surrogate, past U+10FFFF, a cut sequence) as they are.
-TEST_F(PickerTest, AChosenFolderComesBackAsAListThatNamesItsPathByteForByte) {
+TEST_F(PickerTest, OnlyAnExistingFolderIsChosenAndItsListNamesItsPathByteForByte) {
+  EXPECT_FALSE(pick()); // nobody at the screen: cancelled
   ScriptedUser user;
   const std::pair<std::string, UINT> names[] = {
       {"Mail \xC3\xA9t\xC3\xA9 \xF0\x9F\x98\x80", STRRET_WSTR},
@@ -68,17 +70,13 @@ TEST_F(PickerTest, AChosenFolderComesBackAsAListThatNamesItsPathByteForByte) {
   // It opened at the root, with the caller's title.
   EXPECT_EQ((ScriptedUser::Event{TUK_USER_FOLDER_PICKER, 0, "Pick one", "", BIF_RETURNONLYFSDIRS}),
             user.events[0]);
-}
-
-TEST_F(PickerTest, OnlyAnExistingDirectoryCanBeChosenAndNobodyCancels) {
-  EXPECT_FALSE(pick()); // no user
-  ScriptedUser user;
+  // Only an existing directory can be chosen.
   writeFile(dir.file("file"), "x");
   user.folders = {dir.file("file"), dir.file("missing"), ""};
   EXPECT_FALSE(pick());
   EXPECT_FALSE(pick());
   EXPECT_FALSE(pick());
-  EXPECT_EQ(3u, user.count(TUK_USER_FOLDER_PICKER));
+  EXPECT_EQ(std::size(names) + 3, user.count(TUK_USER_FOLDER_PICKER));
 }
 
 TEST(IconTest, ARegularFileHasOneStableIndexInBothListsAndOthersHaveNone) {

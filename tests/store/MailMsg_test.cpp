@@ -104,5 +104,4 @@ TEST_F(MailMsgTest, SeekAndReadFollowTheirTables) {
   EXPECT_EQ("cdef", std::string(buffer, got));
   EXPECT_EQ(-9, longer.read(buffer, 10, &got));
 }
-
 } // namespace

@@ -8,27 +8,19 @@
 namespace {
 // The block as a host reads it: little-endian words aligned on 4 from the start, strings as
 // a count with the terminator, the bytes and the terminator.
-class ExpectedBlock {
-public:
+struct ExpectedBlock {
   ExpectedBlock &word(uint32_t value) {
-    align();
+    bytes.resize((bytes.size() + 3) & ~size_t{3}); // zeros up to the next multiple of 4
     for (int i = 0; i < 4; ++i)
       bytes.push_back(static_cast<unsigned char>(value >> (8 * i)));
     return *this;
   }
   ExpectedBlock &text(const std::string &value) {
     word(static_cast<uint32_t>(value.size() + 1));
-    bytes.insert(bytes.end(), value.begin(), value.end());
-    bytes.push_back(0);
+    bytes.insert(bytes.end(), value.c_str(), value.c_str() + value.size() + 1);
     return *this;
   }
   std::vector<unsigned char> bytes;
-
-private:
-  void align() {
-    while (bytes.size() % 4)
-      bytes.push_back(0);
-  }
 };
 
 std::vector<unsigned char> blockFor(const std::string &subject, const std::string &location,
