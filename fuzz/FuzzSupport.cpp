@@ -3,9 +3,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
-#include <ftw.h>
-#include <sys/stat.h>
+#include <filesystem>
+#include <fstream>
 #include <unistd.h>
 
 void fuzzCheckFailed(const char *condition, const char *file, int line) {
@@ -14,23 +13,12 @@ void fuzzCheckFailed(const char *condition, const char *file, int line) {
 }
 
 namespace {
-
-int removeEntry(const char *path, const struct stat *, int, struct FTW *) {
-  return ::remove(path);
-}
-
-void removeTree(const std::string &dir) {
-  ::nftw(dir.c_str(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
-}
-
 std::string makeScratchDir() {
-  struct stat status;
-  const char *chosen = std::getenv("TUK_FUZZ_SCRATCH");
-  const char *base = chosen != nullptr && *chosen != '\0' ? chosen : "/dev/shm";
-  if (::stat(base, &status) != 0 || !S_ISDIR(status.st_mode) || ::access(base, W_OK) != 0) {
-    const char *tmp = std::getenv("TMPDIR");
-    base = tmp != nullptr && *tmp != '\0' ? tmp : "/tmp";
-  }
+  const char *chosen = std::getenv("TUK_FUZZ_SCRATCH"), *tmp = std::getenv("TMPDIR");
+  const char *base = chosen != nullptr && *chosen != '\0' ? chosen
+                     : ::access("/dev/shm", W_OK) == 0    ? "/dev/shm"
+                     : tmp != nullptr && *tmp != '\0'     ? tmp
+                                                          : "/tmp";
   std::string pattern = std::string(base) + "/tuk-fuzz-XXXXXX";
   if (::mkdtemp(pattern.data()) == nullptr) {
     std::perror("mkdtemp");
@@ -38,41 +26,30 @@ std::string makeScratchDir() {
   }
   return pattern;
 }
-
 } // namespace
 
 const std::string &scratchDir() {
   // Never destroyed: the clean-up at exit runs after the statics' destructors.
   static const std::string *const dir = [] {
     const auto *made = new std::string(makeScratchDir());
-    std::atexit([] { removeTree(scratchDir()); });
+    std::atexit([] {
+      std::error_code ignored;
+      std::filesystem::remove_all(scratchDir(), ignored);
+    });
     return made;
   }();
   return *dir;
 }
 
 bool writeBytes(const std::string &path, const uint8_t *data, size_t size) {
-  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-  if (fd < 0)
-    return false;
-  size_t written = 0;
-  while (written < size) {
-    const ssize_t count = ::write(fd, data + written, size - written);
-    if (count <= 0)
-      break;
-    written += static_cast<size_t>(count);
-  }
-  return ::close(fd) == 0 && written == size;
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  file.write(reinterpret_cast<const char *>(data), static_cast<std::streamsize>(size));
+  file.close();
+  return !file.fail();
 }
 
 void emptyDir(const std::string &dir) {
-  removeTree(dir);
-  ::mkdir(dir.c_str(), 0700);
-}
-
-uint32_t referenceChecksum(const uint8_t *data, size_t size) {
-  uint32_t sum = 0;
-  for (size_t i = 0; i < size; ++i)
-    sum ^= static_cast<uint32_t>(data[i]) << (8 * (i % 4));
-  return sum;
+  std::error_code ignored;
+  std::filesystem::remove_all(dir, ignored);
+  std::filesystem::create_directory(dir, ignored);
 }

@@ -6,6 +6,12 @@
 #include <cstdint>
 #include <string>
 
+// A target's entry: libFuzzer's LLVMFuzzerTestOneInput, or the name a compile definition gives
+// it where the replay of past inputs (tests/hostile/PastInputs_test.cpp) links every target.
+#ifndef FUZZ_ENTRY
+#define FUZZ_ENTRY LLVMFuzzerTestOneInput
+#endif
+
 // A property that does not hold is a finding: report it and abort, so that libFuzzer keeps
 // the input as a crash.
 #define FUZZ_CHECK(condition)                                                                      \
@@ -31,6 +37,3 @@ bool writeBytes(const std::string &path, const uint8_t *data, size_t size);
 
 // Removes everything below `dir`, leaving `dir` itself.
 void emptyDir(const std::string &dir);
-
-// The checksum a host expects, a byte at a time: byte i XORed in at shift 8 * (i mod 4).
-uint32_t referenceChecksum(const uint8_t *data, size_t size);

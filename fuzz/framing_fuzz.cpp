@@ -3,20 +3,18 @@
 // reopens with getMsgAt to the same checksum, and a second walk gives the same ranges.
 //
 // Built once per client; FUZZ_MAIL_FILE names the client's mail file class.
-#include "fuzz/FuzzSupport.h"
-
 #include "clients/Delimiters.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
 #include "clients/NSMFile.h"
 #include "clients/Pegasus.h"
-
+#include "fuzz/FuzzSupport.h"
+#include "tests/support/Reference.h"
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace {
-
 using Ranges = std::vector<std::pair<uint32_t, uint32_t>>;
 
 // The first byte a message of the client may start at.
@@ -49,7 +47,6 @@ template <class MailFile> int checkFraming(const uint8_t *data, size_t size) {
   static const std::string path = scratchDir() + "/mailbox";
   FUZZ_CHECK(writeBytes(path, data, size));
   const CString name(path.c_str());
-
   MailFile file;
   if (file.init(name) != 0) {
     FUZZ_CHECK(size == 0); // only an empty file refuses to map
@@ -58,7 +55,6 @@ template <class MailFile> int checkFraming(const uint8_t *data, size_t size) {
   const Ranges ranges = walkFraming(file, data, size);
   if (size > kFirstOffset<MailFile>)
     FUZZ_CHECK(!ranges.empty());
-
   // A record of the walk reopens, as openObject reopens it, in a mail file of its own.
   MailFile reopened;
   FUZZ_CHECK(reopened.init(name) == 0);
@@ -68,15 +64,13 @@ template <class MailFile> int checkFraming(const uint8_t *data, size_t size) {
     FUZZ_CHECK(message->checksum == referenceChecksum(data + range.first, range.second));
   }
   FUZZ_CHECK(reopened.getMsgAt(static_cast<uint32_t>(size), 1) == nullptr);
-
   // Opening the mailbox again restarts the scan from scratch.
   FUZZ_CHECK(file.setMailbox(name) == 0);
   FUZZ_CHECK(walkFraming(file, data, size) == ranges);
   return 0;
 }
-
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   return checkFraming<FUZZ_MAIL_FILE>(data, size);
 }

@@ -5,23 +5,19 @@
 // The first two bytes pick the section and key asked for and the buffer's size; the rest is
 // the file.
 #include "fuzz/FuzzSupport.h"
-
 #include "platform/Profile.h"
-
 #include <cstring>
 #include <iterator>
 #include <memory>
 #include <string>
 
 namespace {
-
 const char *const kIniSections[] = {"Settings", "settings", "", "[x]", "a b"};
 const char *const kIniKeys[] = {"AttachFolder", "attachfolder", "", "=", "k k"};
 const char kDefault[] = "(default)";
-
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   if (size < 2 || size > 1u << 20)
     return 0;
   static const std::string path = scratchDir() + "/eudora.ini";
@@ -30,7 +26,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const char *const section = kIniSections[data[0] % std::size(kIniSections)];
   const char *const key = kIniKeys[(data[0] / std::size(kIniSections)) % std::size(kIniKeys)];
   const DWORD capacity = data[1];
-
   // Exactly the capacity the reader is told, so that one byte more is a finding.
   const std::unique_ptr<char[]> buffer(new char[capacity == 0 ? 1 : capacity]);
   const DWORD copied =
@@ -44,7 +39,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const std::string value(buffer.get(), copied);
   const bool fromDefault = std::string(kDefault).compare(0, copied, value) == 0;
   FUZZ_CHECK(fromDefault || file.find(value) != std::string::npos);
-
   // The same file asked again gives the same answer.
   const std::unique_ptr<char[]> again(new char[capacity]);
   FUZZ_CHECK(GetPrivateProfileStringA(section, key, kDefault, again.get(), capacity,

@@ -2,21 +2,17 @@
 // what its rule can make of the text, and the month is the first name of the calendar that
 // occurs in the text.
 #include "fuzz/FuzzSupport.h"
-
 #include "resources/resource.h"
 #include "store/MAILDATE.h"
-
 #include <string>
 
 namespace {
-
 bool within(int32_t value, int32_t low, int32_t high) {
   return value >= low && value <= high;
 }
-
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   bringAgentUp();
   if (size > 4096)
     return 0;
@@ -24,7 +20,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const CMailDate date(text);
   const int32_t fields[6] = {date.getHour(), date.getMinute(), date.getSecond(),
                              date.getDay(),  date.getMonth(),  date.getYear()};
-
   // The month is never -1 in a valid date, so it tells validity.
   if (date.getMonth() == -1) {
     for (const int32_t field : fields)
@@ -39,14 +34,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   // A year of four characters with a leading digit, or of two behind a two-character day.
   FUZZ_CHECK(within(date.getYear(), -1900, 9999 - 1900));
   FUZZ_CHECK(text.Find(':') >= 0);
-
   for (int32_t month = 0; month <= date.getMonth(); ++month) {
     CString name;
     name.LoadString(IDS_MONTH_FIRST + static_cast<UINT>(month));
     const bool occurs = text.bytes().find(name.bytes()) != std::string::npos;
     FUZZ_CHECK(occurs == (month == date.getMonth()));
   }
-
   // Parsing is a function of the text alone.
   const CMailDate again(text);
   FUZZ_CHECK(again.getHour() == fields[0] && again.getMinute() == fields[1] &&

@@ -5,19 +5,15 @@
 // The input is a list of relative paths separated by zero bytes; a path that ends in '/' is
 // a folder. Its first byte picks the pair of extensions.
 #include "fuzz/FuzzSupport.h"
-
 #include "store/MFNList.h"
-
-#include <cerrno>
-#include <ftw.h>
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <set>
 #include <string>
 #include <sys/stat.h>
-#include <unistd.h>
-#include <vector>
 
 namespace {
-
 struct Extensions {
   const char *mail;
   const char *control;
@@ -32,57 +28,40 @@ constexpr size_t kMaxDepth = 6;
 // ends in '/'. Components "." and ".." and empty ones are dropped; a part that cannot be made
 // (a name too long, a file in the way) ends the path there.
 void makePath(const std::string &root, const std::string &relative) {
-  std::string path = root;
-  size_t depth = 0;
-  size_t begin = 0;
+  std::filesystem::path path = root;
+  size_t depth = 0, begin = 0;
   while (begin < relative.size() && depth < kMaxDepth) {
-    const size_t slash = relative.find('/', begin);
-    const std::string part =
-        relative.substr(begin, slash == std::string::npos ? slash : slash - begin);
-    begin = slash == std::string::npos ? relative.size() : slash + 1;
+    const size_t end = std::min(relative.find('/', begin), relative.size());
+    const std::string part = relative.substr(begin, end - begin);
+    begin = end + 1;
     if (part.empty() || part == "." || part == ".." || part.size() > 255)
       continue;
-    path += "/" + part;
+    path /= part;
     ++depth;
-    const bool folder = slash != std::string::npos;
-    if (folder) {
-      if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
-        return;
-    } else if (FILE *file = std::fopen(path.c_str(), "w")) {
-      std::fclose(file);
-    }
+    std::error_code error;
+    if (end == relative.size())
+      std::ofstream{path};
+    else if (!std::filesystem::create_directory(path, error) && error)
+      return;
   }
-}
-
-std::set<std::string> *listing = nullptr;
-
-int listEntry(const char *path, const struct stat *status, int type, struct FTW *) {
-  const std::string name(path);
-  if (type == FTW_D) {
-    listing->insert(name + "/.");
-    listing->insert(name + "/..");
-    if (name != scratchDir() + "/tree")
-      listing->insert(name + "/");
-  } else {
-    listing->insert(name);
-  }
-  (void)status;
-  return 0;
 }
 
 // What is in the tree, as the walk names entries: folders with a '/' behind, and the "." and
 // ".." of every folder.
 std::set<std::string> treeEntries(const std::string &root) {
-  std::set<std::string> entries;
-  listing = &entries;
-  ::nftw(root.c_str(), listEntry, 16, FTW_PHYS);
-  listing = nullptr;
+  std::set<std::string> entries = {root + "/.", root + "/.."};
+  for (const auto &entry : std::filesystem::recursive_directory_iterator(root)) {
+    const std::string name = entry.path().string();
+    if (entry.symlink_status().type() == std::filesystem::file_type::directory)
+      entries.insert({name + "/", name + "/.", name + "/.."});
+    else
+      entries.insert(name);
+  }
   return entries;
 }
 
-std::string folded(std::string text) {
-  for (char &ch : text)
-    ch = asciiToLower(ch);
+std::string folded(std::string text, char (*fold)(char) = asciiToLower) {
+  std::transform(text.begin(), text.end(), text.begin(), fold);
   return text;
 }
 
@@ -98,17 +77,15 @@ std::string extensionOf(const std::string &path) {
   const size_t dot = last.rfind('.');
   return dot == std::string::npos ? std::string() : last.substr(dot);
 }
-
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   bringAgentUp();
   if (size == 0 || size > 8192)
     return 0;
   const Extensions &extensions = kExtensions[data[0] % 4];
   const std::string root = scratchDir() + "/tree";
   emptyDir(root);
-
   const std::string names(reinterpret_cast<const char *>(data + 1), size - 1);
   size_t made = 0;
   for (size_t begin = 0; begin <= names.size() && made < kMaxEntries; ++made) {
@@ -116,7 +93,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     makePath(root, names.substr(begin, end - begin));
     begin = end + 1;
   }
-
   // The walk lists every entry once, and nothing else.
   CStringList all;
   FUZZ_CHECK(FindFiles(all, (root + "/*.*").c_str()) == 0);
@@ -125,16 +101,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     FUZZ_CHECK(walked.insert(all.GetNext(at).GetString()).second);
   const std::set<std::string> entries = treeEntries(root);
   FUZZ_CHECK(walked == entries);
-
   CMailFilenameList list;
   const int count = list.findMailboxes(root.c_str(), extensions.mail, extensions.control);
   FUZZ_CHECK(count == list.GetCount());
   const std::string mailExt = folded(extensions.mail);
   const std::string controlLower = folded(extensions.control);
-  std::string controlUpper = extensions.control;
-  for (char &ch : controlUpper)
-    ch = asciiToUpper(ch);
-
+  const std::string controlUpper = folded(extensions.control, asciiToUpper);
   std::set<std::string> seen;
   for (POSITION at = list.GetHeadPosition(); at;) {
     const std::string element = list.GetNext(at).GetString();
@@ -146,16 +118,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     // A control entry: the extension, in lower or upper case, anywhere in its path, and the
     // same stem once as many bytes as the extension has are cut off its end.
     const std::string stem = stemOf(element, root, mailExt.size());
-    bool paired = false;
-    for (const std::string &entry : entries) {
-      const bool control = entry.find(controlLower) != std::string::npos ||
-                           entry.find(controlUpper) != std::string::npos;
-      if (control && stemOf(entry, root, controlLower.size()) == stem) {
-        paired = true;
-        break;
-      }
-    }
-    FUZZ_CHECK(paired);
+    FUZZ_CHECK(std::any_of(entries.begin(), entries.end(), [&](const std::string &entry) {
+      return (entry.find(controlLower) != std::string::npos ||
+              entry.find(controlUpper) != std::string::npos) &&
+             stemOf(entry, root, controlLower.size()) == stem;
+    }));
   }
   return 0;
 }

@@ -2,16 +2,13 @@
 // inside it, every query's expression is one the full-text engine reads without an error, and
 // its words can be marked in a text.
 #include "fuzz/FuzzSupport.h"
-
 #include "host/QueryParser.h"
 #include "host/Snippet.h"
-
 #include <sqlite3.h>
 
 #include <string>
 
 namespace {
-
 // An empty table of the index's columns: a MATCH of any readable expression runs on it.
 sqlite3 *engine() {
   static sqlite3 *const db = [] {
@@ -36,10 +33,9 @@ bool engineReads(const std::string &expression) {
   sqlite3_finalize(statement);
   return status == SQLITE_DONE || status == SQLITE_ROW;
 }
-
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   const std::string text(reinterpret_cast<const char *>(data), size);
   ParsedQuery query;
   QueryError error;

@@ -1,22 +1,18 @@
-// The registry file reader and writer over arbitrary file contents: reading never fails on
-// content, and a write makes its value readable, changes no other value, and keeps every
-// other line of the file as it was, in order.
+// The registry file reader and writer over arbitrary file contents: reading never fails on content,
+// and a write makes its value readable, changes no other value, and keeps every other line of the
+// file as it was, in order.
 //
-// The first three bytes pick the key, the value name and the value to write; the rest is the
-// file.
-#include "fuzz/FuzzSupport.h"
-
+// The first three bytes pick the key, the value name and the value to write; the rest is the file.
 #include "cmn/Registry.h"
-
+#include "fuzz/FuzzSupport.h"
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
-
 const char *const kKeys[] = {
     "K", "k", "Software\\Tuk\\Agents\\MHEudora", "K\\DE", "a]b", "\"q\"", "x y", "[K]"};
 const char *const kNames[] = {"N", "n", "MailPath", "a\\\"b", "=", "", "N ", "\\"};
@@ -29,49 +25,25 @@ const Written kValues[] = {
     {false, "v", 0},  {false, "", 0},     {false, "q\"b\\s", 0}, {false, "\xC3\xA9\xFF", 0},
     {false, "\\", 0}, {true, nullptr, 0}, {true, nullptr, -1},   {true, nullptr, 0x12345678}};
 
-// What a reader sees of one value: absent, a string or a number.
-struct Seen {
-  int kind = 0; // 0: nothing readable, 1: a string, 2: a number
-  std::string text;
-  int32_t number = 0;
-  bool operator==(const Seen &other) const {
-    return kind == other.kind && text == other.text && number == other.number;
-  }
-};
-
-Seen readValue(const char *key, const char *name) {
-  Seen seen;
+// What a reader sees of one value: "" when nothing reads, else "s:" and the string or "n:"
+// and the number.
+std::string readValue(const char *key, const char *name) {
   CString text("unchanged");
   int32_t number = 0;
   const bool isText = GetRegValue(key, name, text) != 0;
   const bool isNumber = GetRegValue(key, name, &number) != 0;
   FUZZ_CHECK(!(isText && isNumber));
-  if (isText) {
-    seen.kind = 1;
-    seen.text = text.bytes();
-  } else {
-    FUZZ_CHECK(text == "unchanged"); // a failed read leaves the default alone
-  }
-  if (isNumber) {
-    seen.kind = 2;
-    seen.number = number;
-  }
-  return seen;
+  FUZZ_CHECK(isText || text == "unchanged"); // a failed read leaves the default alone
+  return isText ? "s:" + text.bytes() : isNumber ? "n:" + std::to_string(number) : "";
 }
 
 // The lines of a text, each without its line end (LF, or CR LF).
 std::vector<std::string> linesOf(const std::string &text) {
+  std::istringstream in(text);
   std::vector<std::string> lines;
-  size_t begin = 0;
-  while (begin < text.size()) {
-    const size_t newline = text.find('\n', begin);
-    const size_t next = newline == std::string::npos ? text.size() : newline + 1;
-    size_t end = newline == std::string::npos ? text.size() : newline;
-    if (newline != std::string::npos && end > begin && text[end - 1] == '\r')
-      --end;
-    lines.push_back(text.substr(begin, end - begin));
-    begin = next;
-  }
+  for (std::string line; std::getline(in, line); lines.push_back(line))
+    if (!in.eof() && !line.empty() && line.back() == '\r')
+      line.pop_back();
   return lines;
 }
 
@@ -101,10 +73,9 @@ std::string fileText(const std::string &path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
-
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   static const std::string path = [] {
     const std::string file = scratchDir() + "/registry.reg";
     ::setenv("TUK_REGISTRY", file.c_str(), 1);
@@ -117,32 +88,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   const Written &value = kValues[data[2] % std::size(kValues)];
   const std::string before(reinterpret_cast<const char *>(data + 3), size - 3);
   FUZZ_CHECK(writeBytes(path, reinterpret_cast<const uint8_t *>(before.data()), before.size()));
-
-  std::vector<Seen> seenBefore;
+  std::vector<std::string> seenBefore;
   for (const char *k : kKeys)
     for (const char *n : kNames)
       seenBefore.push_back(readValue(k, n));
-
   const int written = value.isNumber ? SetRegValue(key, name, value.number)
                                      : SetRegValue(key, name, CString(value.text));
   FUZZ_CHECK(written != 0);
   const std::string after = fileText(path);
   FUZZ_CHECK(keepsOtherLines(linesOf(before), linesOf(after)));
-
   // The value reads back; every other value reads as before.
+  const std::string expected =
+      value.isNumber ? "n:" + std::to_string(value.number) : "s:" + std::string(value.text);
   size_t at = 0;
-  for (const char *k : kKeys) {
+  for (const char *k : kKeys)
     for (const char *n : kNames) {
-      const Seen seen = readValue(k, n);
       const bool same = CString(k).CompareNoCase(key) == 0 && CString(n).CompareNoCase(name) == 0;
-      if (!same) {
-        FUZZ_CHECK(seen == seenBefore[at++]);
-        continue;
-      }
+      FUZZ_CHECK(readValue(k, n) == (same ? expected : seenBefore[at]));
       ++at;
-      FUZZ_CHECK(seen.kind == (value.isNumber ? 2 : 1));
-      FUZZ_CHECK(value.isNumber ? seen.number == value.number : seen.text == value.text);
     }
-  }
   return 0;
 }

@@ -1,108 +1,79 @@
 // Language modules and header name overrides, as a host sees them through the entries.
 #include "cmn/Registry.h"
 #include "tests/support/AgentSession.h"
-#include "tests/support/LoadedAgent.h"
-#include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
+#include "tests/support/AgentStore.h"
+#include "tests/support/Reference.h"
 #include <cstdlib>
 
 namespace {
-
-const char kKey[] = "Software\\Tuk\\Agents\\MHEudora";
-
-class LanguageTest : public ::testing::Test {
+class LanguageTest : public AgentStoreTest {
 protected:
-  void SetUp() override {
-    setenv("TUK_REGISTRY", dir.file("registry.reg").c_str(), 1);
-    setenv("TZ", "UTC", 1);
-  }
-
   // Opens the whole of `text` as one message and returns (subject, time).
-  std::pair<std::string, int32_t> open(const AgentEntryTable &e, const std::string &text) {
+  std::pair<std::string, int32_t> open(const std::string &text) {
     const std::string path = dir.file("In.mbx");
     writeFile(path, text);
     RecordBuffer record(path, 0, static_cast<uint32_t>(text.size()), referenceChecksum(text));
     AgentHandle object = 0;
     int32_t time = 0;
-    EXPECT_EQ(StatusOk, e.openObject(&object, record.get(), &time));
+    EXPECT_EQ(StatusOk, entries().openObject(&object, record.get(), &time));
     uint32_t used = 0, count = 0;
     std::vector<unsigned char> block(4096);
-    EXPECT_EQ(StatusOk, e.getObjectProperties(object, block.data(), 4096, &used, &count));
-    e.closeObject(object);
+    EXPECT_EQ(StatusOk, entries().getObjectProperties(object, block.data(), 4096, &used, &count));
+    entries().closeObject(object);
     // The first property is the subject: its value follows the name "…" in the block.
     const uint32_t nameLength = block[4];
     const size_t valueAt = (8 + nameLength + 3) & ~size_t{3};
     const uint32_t valueLength = block[valueAt];
     return {std::string(reinterpret_cast<char *>(&block[valueAt + 4]), valueLength - 1), time};
   }
-
-  std::vector<std::string> propertyNames(const AgentEntryTable &e) {
+  std::vector<std::string> propertyNames() {
     std::vector<char> table(512);
     uint32_t needed = 0, count = 0;
-    EXPECT_EQ(StatusOk, e.getPropertyTemplates(table.data(), 512, &needed, &count));
+    EXPECT_EQ(StatusOk, entries().getPropertyTemplates(table.data(), 512, &needed, &count));
     const char *const *names = reinterpret_cast<const char *const *>(table.data());
     return std::vector<std::string>(names, names + count);
   }
-
-  TempDir dir;
-  LoadedAgent agent;
 };
 
-TEST_F(LanguageTest, GermanModuleSuppliesNamesMonthsAndHeaders) {
-  const AgentResult result = agent.init(kKey, "DE");
-  EXPECT_STREQ("Eudora E-Mail", result.agentName);
-  const AgentEntryTable &e = agent.entries();
+TEST_F(LanguageTest, LanguageModulesSupplyNamesMonthsAndHeadersElseTheBuiltInStringsStay) {
+  EXPECT_STREQ("Eudora E-Mail", startAgent(kEudoraKey, nullptr, "DE").agentName);
   EXPECT_EQ((std::vector<std::string>{"betreff", "titel", "ort", "an", "von", "kopie", "autor"}),
-            propertyNames(e));
-  const auto german = open(e, "x\nBetreff: Hallo\nDatum: 15 M\xC3\xA4r 1998 10:00:00\n\nText");
+            propertyNames());
+  const auto german = open("x\nBetreff: Hallo\nDatum: 15 M\xC3\xA4r 1998 10:00:00\n\nText");
   EXPECT_EQ("Hallo", german.first);
-  EXPECT_EQ(889956000, german.second);  // 15 March 1998, 10:00 UTC
+  EXPECT_EQ(889956000, german.second); // 15 March 1998, 10:00 UTC
   // English header names are no longer searched.
-  EXPECT_EQ("", open(e, "x\nSubject: Hello\n\n").first);
-  e.terminateAgent();
-
+  EXPECT_EQ("", open("x\nSubject: Hello\n\n").first);
   // A new life in English looks its strings up in the agent again.
-  const AgentResult english = agent.init(kKey, "EN");
-  EXPECT_STREQ("Eudora Mail", english.agentName);
-  EXPECT_EQ("Hello", open(agent.entries(), "x\nSubject: Hello\n\n").first);
-  agent.entries().terminateAgent();
-}
-
-TEST_F(LanguageTest, MissingModuleLeavesTheBuiltInStrings) {
-  // "en" is not "EN": a module of that name is tried, found missing, and passed over.
+  EXPECT_STREQ("Eudora Mail", startAgent(kEudoraKey).agentName);
+  EXPECT_EQ("Hello", open("x\nSubject: Hello\n\n").first);
+  // A missing module leaves the built-in strings. "en" is not "EN": a module of that name is
+  // tried, found missing, and passed over.
   for (const char *language : {"FR", "en"}) {
-    EXPECT_STREQ("Pegasus Mail", agent.init("MHPegasus", language).agentName);
-    EXPECT_EQ("subject", propertyNames(agent.entries())[0]);
-    agent.entries().terminateAgent();
+    EXPECT_STREQ("Pegasus Mail", startAgent("MHPegasus", nullptr, language).agentName);
+    EXPECT_EQ("subject", propertyNames()[0]);
   }
 }
 
 TEST_F(LanguageTest, RegistryOverrideChangesTheSearchNotThePropertyName) {
-  ASSERT_NE(0, SetRegValue((std::string(kKey) + "\\EN").c_str(), "Subject", CString("Topic:")));
-  ASSERT_NE(0, SetRegValue((std::string(kKey) + "\\EN").c_str(), "Date", CString("Sent:")));
-  agent.init(kKey, "EN");
-  const AgentEntryTable &e = agent.entries();
-  const auto found = open(e, "x\nSubject: old\nTopic: new\nSent: 2 Jan 1999 00:00:01\n\n");
+  const std::string overrides = std::string(kEudoraKey) + "\\EN";
+  ASSERT_NE(0, SetRegValue(overrides.c_str(), "Subject", CString("Topic:")));
+  ASSERT_NE(0, SetRegValue(overrides.c_str(), "Date", CString("Sent:")));
+  startAgent(kEudoraKey);
+  const auto found = open("x\nSubject: old\nTopic: new\nSent: 2 Jan 1999 00:00:01\n\n");
   EXPECT_EQ("new", found.first);
   EXPECT_EQ(915235201, found.second);
-  EXPECT_EQ("subject", propertyNames(e)[0]);
-  e.terminateAgent();
+  EXPECT_EQ("subject", propertyNames()[0]);
 }
 
 TEST_F(LanguageTest, TimeOfAMessageIsItsDateInLocalTime) {
-  agent.init(kKey, "EN");
-  const AgentEntryTable &e = agent.entries();
   const std::string dated = "x\nDate: Thu, 15 Jan 1998 10:30:45 -0500\n\n";
-  EXPECT_EQ(884860245, open(e, dated).second);  // the zone plays no part
+  EXPECT_EQ(884860245, open(dated).second); // the zone plays no part
   // A date that can't be read is 1 February 1971, 00:00:00.
   const std::string undated = "x\nDate: not a date\n\n";
-  EXPECT_EQ(34214400, open(e, undated).second);
-  setenv("TZ", "XST-3", 1);  // three hours east of UTC, no daylight saving
-  EXPECT_EQ(884860245 - 3 * 3600, open(e, dated).second);
-  EXPECT_EQ(34214400 - 3 * 3600, open(e, undated).second);
-  e.terminateAgent();
+  EXPECT_EQ(34214400, open(undated).second);
+  setenv("TZ", "XST-3", 1); // three hours east of UTC, no daylight saving
+  EXPECT_EQ(884860245 - 3 * 3600, open(dated).second);
+  EXPECT_EQ(34214400 - 3 * 3600, open(undated).second);
 }
-
 } // namespace

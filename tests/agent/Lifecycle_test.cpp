@@ -1,32 +1,25 @@
-// The module's life as a host sees it: initialisations, the client choice, the language, the
-// log, the entries that do nothing, and the one export.
+// The module's life as a host sees it: initialisations, the client choice, the language, the log,
+// the entries that do nothing, and the one export. (An agent without a client: hostile/HostCalls.)
 #include "tests/support/LoadedAgent.h"
-
-#include <gtest/gtest.h>
-
 #include <cstdio>
+#include <gtest/gtest.h>
 #include <set>
 
 namespace {
-
 TEST(Lifecycle, ClientIsChosenByTheFirstTagFoundInTheKey) {
-  const struct {
-    const char *key;
-    const char *name;
-  } cases[] = {
+  const std::pair<const char *, const char *> cases[] = {
       {"Software\\Tuk\\Agents\\MHEudora", "Eudora Mail"},
       {"MHInternet", "Outlook Express/Internet Mail"},
       {"x MHNetscape y", "Netscape Mail"},
       {"prefix MHPegasus", "Pegasus Mail"},
-      {"MHPegasus MHNetscape", "Netscape Mail"},  // the table's order, not the key's
+      {"MHPegasus MHNetscape", "Netscape Mail"}, // the table's order, not the key's
   };
-  for (const auto &c : cases) {
+  for (const auto &[key, name] : cases) {
     LoadedAgent agent;
-    const AgentResult result = agent.init(c.key);
-    EXPECT_STREQ(c.name, result.agentName) << c.key;
-    EXPECT_EQ(0x10001u, result.fixedWord1);
-    EXPECT_EQ(1u, result.fixedWord2);
-    EXPECT_EQ(1u, result.fixedWord3);
+    const AgentResult result = agent.init(key);
+    EXPECT_STREQ(name, result.agentName) << key;
+    EXPECT_EQ((std::vector<uint32_t>{0x10001, 1, 1}),
+              (std::vector<uint32_t>{result.fixedWord1, result.fixedWord2, result.fixedWord3}));
     // The two entries that do nothing answer as documented.
     EXPECT_EQ(-1, agent.entries().unsupportedObjectCall(1, 2, 3));
     EXPECT_EQ(0, agent.entries().reservedObjectCall(5, 6));
@@ -34,69 +27,32 @@ TEST(Lifecycle, ClientIsChosenByTheFirstTagFoundInTheKey) {
   }
 }
 
-TEST(Lifecycle, RepeatInitialisationKeepsTheFirstClientSinkAndLanguage) {
+TEST(Lifecycle, RepeatInitialisationKeepsTheFirstClientSinkAndLanguageAndTheLogFlagLasts) {
   LoadedAgent agent;
   CapturedLog::lines().clear();
   const AgentResult first = agent.init("MHEudora", "EN", CapturedLog::sink);
   const AgentResult second = agent.init("MHPegasus", "DE", nullptr);
   EXPECT_EQ(first.entryTable, second.entryTable);
   EXPECT_STREQ("Eudora Mail", second.agentName);
+  EXPECT_TRUE(CapturedLog::lines().empty()); // the flag is off during the first life
   const AgentEntryTable &e = agent.entries();
-  e.setLogFlag(1);
+  e.setLogFlag(7);
   e.keepObject(nullptr, 0);
-  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|keepObject"));  // still the first sink
-  e.setLogFlag(0);
+  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|keepObject")); // still the first sink
   // Each initialisation is matched by a termination (counted: hostile/HostCalls).
   e.terminateAgent();
   e.terminateAgent();
-}
-
-TEST(Lifecycle, LogFlagAndTheLinesOfAFirstInitialisation) {
-  LoadedAgent agent;
-  CapturedLog::lines().clear();
-  agent.init("MHEudora", "EN", CapturedLog::sink);
-  const AgentEntryTable &e = agent.entries();
-  EXPECT_EQ(0u, e.getLogFlag());
-  e.setLogFlag(7);
-  EXPECT_EQ(7u, e.getLogFlag());
-  EXPECT_TRUE(CapturedLog::lines().empty());  // the flag was off during the first life
-  e.terminateAgent();
   EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll terminating"));
-
   // The flag survives termination, so a second life logs its start.
   CapturedLog::lines().clear();
   agent.init("MHEudora", "en", CapturedLog::sink);
-  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll initialising!"));
-  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|Language string: en"));
-  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|tuk_mhmail.dll initialisation complete"));
+  for (const char *line : {"tuk_mhmail.dll initialising!", "Language string: en",
+                           "tuk_mhmail.dll initialisation complete"})
+    EXPECT_TRUE(CapturedLog::contains(std::string(".\\mhmail|") + line)) << line;
   e.setLogFlag(0);
   e.terminateAgent();
 }
 
-TEST(Lifecycle, AKeyWithoutAClientTagMakesNoAgentAndNoEntryFails) {
-  LoadedAgent agent;
-  const AgentResult result = agent.init("Software\\Tuk\\Agents\\Unknown");
-  EXPECT_STREQ("", result.agentName);
-  const AgentEntryTable &e = agent.entries();
-  AgentHandle handle = 77;
-  int32_t time = 0;
-  char record[64] = {};
-  reinterpret_cast<ObjectRecord *>(record)->size = sizeof record;
-  EXPECT_EQ(StatusNoMoreObjects,
-            e.findFirstObjectHandle(0, &handle, reinterpret_cast<ObjectRecord *>(record), &time));
-  EXPECT_EQ(StatusMailFileFailed,
-            e.openObject(&handle, reinterpret_cast<ObjectRecord *>(record), &time));
-  EXPECT_EQ(StatusOpenFailed, e.RunObject(reinterpret_cast<ObjectRecord *>(record)));
-  EXPECT_EQ(77u, handle);
-  int32_t small = 5, large = 5;
-  EXPECT_EQ(0, e.getObjectIcon(0, &small, &large));
-  EXPECT_EQ(0, small + large);
-  EXPECT_EQ(1, e.Validate(0));
-  EXPECT_EQ(0, e.propPageClose());
-  e.terminateAgent();
-}
-
-// The library exports initAgent and nothing else.
 TEST(Exports, OnlyInitAgentLeavesTheLibrary) {
   const std::string command = "nm -D --defined-only " + LoadedAgent::libraryPath();
   FILE *pipe = popen(command.c_str(), "r");
@@ -112,5 +68,4 @@ TEST(Exports, OnlyInitAgentLeavesTheLibrary) {
   EXPECT_EQ(0, pclose(pipe));
   EXPECT_EQ(std::set<std::string>{"initAgent"}, exported);
 }
-
 } // namespace

@@ -1,21 +1,12 @@
-// A host's road to the messages of each client's store: the walk, a record it kept,
-// keepObject, openObject, the body stream, the properties, closeObject; through the loaded
-// library.
-#include "cmn/Registry.h"
-#include "store/MailMsg.h"
+// A host's road to the messages of each client's store: the walk, a record it kept, keepObject,
+// openObject, the body stream, the properties, closeObject; through the loaded library.
 #include "tests/support/AgentSession.h"
+#include "tests/support/AgentStore.h"
 #include "tests/support/ClientStores.h"
-#include "tests/support/HostWalk.h"
-#include "tests/support/LoadedAgent.h"
-#include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
+#include "tests/support/Reference.h"
 #include <sys/stat.h>
 
 namespace {
-
 const TestMessage kUndated = {"", "ann@example.org", "bob@example.org", "", "Hello",
                               "The body.\nFrom here to there and back\n"};
 const TestMessage kDated = {"7 May 1997 11:02:33 GMT", "cy@example.org", "ann@example.org", "",
@@ -30,35 +21,40 @@ int32_t stampOf(const std::string &path) {
   return ::stat(path.c_str(), &status) == 0 ? static_cast<int32_t>(status.st_mtime) : 0;
 }
 
-class ObjectProtocolTest : public ::testing::TestWithParam<std::string> {
+class ObjectProtocolTest : public AgentStoreTest,
+                           public ::testing::WithParamInterface<std::string> {
 protected:
   void SetUp() override {
-    setenv("TUK_REGISTRY", dir.file("registry.reg").c_str(), 1);
-    setenv("TZ", "UTC", 1);
+    AgentStoreTest::SetUp();
     inbox = mailFileOf(client(), mail + "/In");
     ranges = writeMailbox(client(), mail + "/In", {kUndated, kDated});
     writeMailbox(client(), mail + "/Folders/Work", {kWork});
     writeFile(mail + "/Unpaired", "no control file");
-    ASSERT_NE(0, SetRegValue(agentKeyOf(client()).c_str(), "MailPath", CString(mail.c_str())));
-    agent.init(agentKeyOf(client()));
+    startAgent(agentKeyOf(client()));
   }
-  void TearDown() override { agent.entries().terminateAgent(); }
-
   const std::string &client() const { return GetParam(); }
   RecordBuffer recordFor(uint32_t offset, uint32_t length) {
     const std::string bytes = readFile(inbox).substr(offset, length);
     return RecordBuffer(inbox, offset, length, referenceChecksum(bytes), stampOf(inbox));
   }
-
-  TempDir dir;
-  const std::string mail = dir.file("mail");
+  // openObject's status for `record`; what it opens is closed again, and when it fails it sets the
+  // handle to -1 for a record that no longer fits and leaves it for a mailbox that can't be opened.
+  int32_t open(RecordBuffer record) {
+    AgentHandle object = 12345;
+    int32_t time = 0;
+    const int32_t status = entries().openObject(&object, record.get(), &time);
+    if (status == StatusOk)
+      EXPECT_EQ(StatusOk, entries().closeObject(object));
+    else
+      EXPECT_EQ(status == StatusOpenFailed ? AGENT_INVALID_HANDLE : AgentHandle{12345}, object);
+    return status;
+  }
   std::string inbox;
   std::vector<MessageRange> ranges;
-  LoadedAgent agent;
 };
 
 TEST_P(ObjectProtocolTest, WalkFindsEveryMessageAndEveryRecordReopens) {
-  const std::vector<KeptRecord> found = walkStore(agent.entries());
+  const std::vector<KeptRecord> found = walkStore(entries());
   ASSERT_EQ(3u, found.size());
   const std::string work = mailFileOf(client(), mail + "/Folders/Work");
   const TestMessage *messages[] = {&kUndated, &kDated, &kWork};
@@ -74,15 +70,13 @@ TEST_P(ObjectProtocolTest, WalkFindsEveryMessageAndEveryRecordReopens) {
 }
 
 TEST_P(ObjectProtocolTest, OpensReadsAndClosesTheMessageARecordNames) {
-  const AgentEntryTable &e = agent.entries();
+  const AgentEntryTable &e = entries();
   RecordBuffer record = recordFor(ranges[0].offset, ranges[0].length);
   EXPECT_EQ(1, e.keepObject(record.get(), 0));
-
   AgentHandle object = 0;
   int32_t time = 0;
   ASSERT_EQ(StatusOk, e.openObject(&object, record.get(), &time));
   EXPECT_EQ(kNoDateTime, time);
-
   std::string body;
   char buffer[7];
   uint32_t got = 0;
@@ -90,115 +84,60 @@ TEST_P(ObjectProtocolTest, OpensReadsAndClosesTheMessageARecordNames) {
     body.append(buffer, got);
   EXPECT_EQ(bodyOf(client(), kUndated), body);
   EXPECT_EQ(0u, got);
-
   uint32_t position = 0;
   EXPECT_EQ(StatusOk, e.seekObject(object, 2, 0));
   EXPECT_EQ(StatusOk, e.tellObject(object, &position));
   EXPECT_EQ(body.size() - 1, position);
   EXPECT_EQ(StatusSeekOutOfRange, e.seekObject(object, 0, static_cast<int32_t>(body.size())));
-
   uint32_t used = 0, count = 0;
   EXPECT_EQ(StatusPropertiesTooLarge, e.getObjectProperties(object, nullptr, 0, &used, &count));
   std::vector<unsigned char> properties(used);
   EXPECT_EQ(StatusOk, e.getObjectProperties(object, properties.data(), used, &used, &count));
   EXPECT_EQ(7u, count);
-
   EXPECT_EQ(StatusOk, e.closeObject(object));
 }
 
-TEST_P(ObjectProtocolTest, ARecordThatNoLongerFitsGivesOpenFailed) {
-  const AgentEntryTable &e = agent.entries();
+TEST_P(ObjectProtocolTest, ARecordThatNoLongerFitsOrAMailboxThatCannotBeOpened) {
   const uint32_t size = static_cast<uint32_t>(readFile(inbox).size());
   const uint32_t offset = ranges[0].offset;
-  AgentHandle object = 0;
-  int32_t time = 0;
-
   // A range that ends exactly at the end of the file opens; one byte more does not.
   RecordBuffer toEnd = recordFor(offset, size - offset);
-  ASSERT_EQ(StatusOk, e.openObject(&object, toEnd.get(), &time));
-  EXPECT_EQ(StatusOk, e.closeObject(object));
-  RecordBuffer pastEnd(inbox, offset, size - offset + 1, toEnd->checksum);
-  EXPECT_EQ(StatusOpenFailed, e.openObject(&object, pastEnd.get(), &time));
-  EXPECT_EQ(AGENT_INVALID_HANDLE, object);
-
+  EXPECT_EQ(StatusOk, open(toEnd));
+  EXPECT_EQ(StatusOpenFailed, open({inbox, offset, size - offset + 1, toEnd->checksum}));
   // Offset plus length beyond 4 GiB must not wrap round into the file.
-  RecordBuffer wrapped(inbox, 0xFFFFFFF0u, 0x20, 0);
-  EXPECT_EQ(StatusOpenFailed, e.openObject(&object, wrapped.get(), &time));
-
+  EXPECT_EQ(StatusOpenFailed, open({inbox, 0xFFFFFFF0u, 0x20, 0}));
   // A changed checksum fails; a changed stamp alone does not.
   RecordBuffer changed = recordFor(offset, 10);
   changed->checksum ^= 1;
-  EXPECT_EQ(StatusOpenFailed, e.openObject(&object, changed.get(), &time));
+  EXPECT_EQ(StatusOpenFailed, open(changed));
   RecordBuffer oldStamp = recordFor(offset, 10);
   oldStamp->mailboxStamp -= 1000;
-  EXPECT_EQ(0, e.keepObject(oldStamp.get(), 0));
-  ASSERT_EQ(StatusOk, e.openObject(&object, oldStamp.get(), &time));
-  EXPECT_EQ(StatusOk, e.closeObject(object));
-}
-
-TEST_P(ObjectProtocolTest, AMailboxThatCannotBeOpenedGivesMailFileFailed) {
-  const AgentEntryTable &e = agent.entries();
-  AgentHandle object = 12345;
-  int32_t time = 0;
-  RecordBuffer directory(dir.path(), 0, 1, 0);
-  EXPECT_EQ(StatusMailFileFailed, e.openObject(&object, directory.get(), &time));
-  RecordBuffer missing(dir.file("missing"), 0, 1, 0);
-  EXPECT_EQ(StatusMailFileFailed, e.openObject(&object, missing.get(), &time));
+  EXPECT_EQ(0, entries().keepObject(oldStamp.get(), 0));
+  EXPECT_EQ(StatusOk, open(oldStamp));
+  // A mailbox that cannot be opened: a folder, an empty file, none at all.
   writeFile(dir.file("empty"), "");
-  RecordBuffer empty(dir.file("empty"), 0, 0, 0);
-  EXPECT_EQ(StatusMailFileFailed, e.openObject(&object, empty.get(), &time));
-  EXPECT_EQ(12345u, object);  // not written
-  EXPECT_EQ(0, e.keepObject(missing.get(), 0));
+  EXPECT_EQ(StatusMailFileFailed, open({dir.path(), 0, 1, 0}));
+  EXPECT_EQ(StatusMailFileFailed, open({dir.file("empty"), 0, 0, 0}));
+  const RecordBuffer missing(dir.file("missing"), 0, 1, 0);
+  EXPECT_EQ(StatusMailFileFailed, open(missing));
+  EXPECT_EQ(0, entries().keepObject(missing.get(), 0));
 }
 
 INSTANTIATE_TEST_SUITE_P(Clients, ObjectProtocolTest, ::testing::ValuesIn(kClientNames),
                          [](const auto &info) { return info.param; });
 
-TEST(KeepObject, GoesByTheMailboxStamp) {
-  TempDir dir;
-  LoadedAgent agent;
-  agent.init("MHEudora");
+using KeepObject = AgentStoreTest;
+
+TEST_F(KeepObject, GoesByTheMailboxStamp) {
   const std::string path = dir.file("In.mbx");
   writeFile(path, "mail");
   setFileTime(path, 1000000);
   RecordBuffer record(path, 0, 4, 0, 1000000);
-  EXPECT_EQ(1, agent.entries().keepObject(record.get(), 0));
-  EXPECT_EQ(1, agent.entries().keepObject(record.get(), 0xFFFFFFFF));  // the word is not read
+  EXPECT_EQ(1, entries().keepObject(record.get(), 0));
+  EXPECT_EQ(1, entries().keepObject(record.get(), 0xFFFFFFFF));  // the word is not read
   setFileTime(path, 1000001);
-  EXPECT_EQ(0, agent.entries().keepObject(record.get(), 0));
+  EXPECT_EQ(0, entries().keepObject(record.get(), 0));
   setFileTime(path, 999999);  // a stamp that went backwards still counts as kept
-  EXPECT_EQ(1, agent.entries().keepObject(record.get(), 0));
-  agent.entries().terminateAgent();
+  EXPECT_EQ(1, entries().keepObject(record.get(), 0));
 }
-
-// White-box: the signature test guards every object entry.
-TEST(ObjectSignature, AnOverwrittenSignatureIsRefusedAndLogged) {
-  TempDir dir;
-  CapturedLog::lines().clear();
-  AgentSession session("MHEudora", "EN", CapturedLog::sink);
-  const AgentEntryTable &e = session.entries();
-  e.setLogFlag(1);
-  const std::string path = dir.file("In.mbx");
-  writeFile(path, "x\n\nbody");
-  RecordBuffer record(path, 0, 7, referenceChecksum("x\n\nbody"));
-  AgentHandle object = 0;
-  int32_t time;
-  ASSERT_EQ(StatusOk, e.openObject(&object, record.get(), &time));
-  uint32_t *signature = &reinterpret_cast<CMailMsg *>(object)->signature;
-  *signature = 0x12345678;
-  char buffer[8];
-  uint32_t got = 0, position = 0, used = 0, count = 0;
-  EXPECT_EQ(StatusBadSignature, e.readObject(object, buffer, 8, &got));
-  EXPECT_EQ(StatusBadSignature, e.seekObject(object, 0, 0));
-  EXPECT_EQ(StatusBadSignature, e.tellObject(object, &position));
-  EXPECT_EQ(StatusBadSignature, e.getObjectProperties(object, buffer, 8, &used, &count));
-  EXPECT_EQ(StatusBadSignature, e.closeObject(object));
-  EXPECT_TRUE(CapturedLog::contains(".\\mhmail|Bad signature: 0x12345678"));
-  *signature = 0xDEADBEEF;
-  EXPECT_EQ(StatusOk, e.closeObject(object));
-  EXPECT_EQ(StatusBadSignature, e.closeObject(0));
-  EXPECT_EQ(StatusBadSignature, e.readObject(AGENT_INVALID_HANDLE, buffer, 8, &got));
-  e.setLogFlag(0);
-}
-
 } // namespace

@@ -2,47 +2,29 @@
 // and settings that give no object at all.
 #include "cmn/Registry.h"
 #include "tests/support/AgentSession.h"
-#include "tests/support/HostWalk.h"
-#include "tests/support/LoadedAgent.h"
-#include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
+#include "tests/support/AgentStore.h"
 #include <cstring>
 #include <unistd.h>
 
 namespace {
-
-const char kKey[] = "Software\\Tuk\\Agents\\MHEudora";
-
 std::string message(const std::string &subject) {
   return "From ???@??? Mon\r\nSubject: " + subject + "\r\n\r\nBody of " + subject + ".\r\n";
 }
 
-class ObjectSearchTest : public ::testing::Test {
+class ObjectSearchTest : public AgentStoreTest {
 protected:
   void SetUp() override {
-    setenv("TUK_REGISTRY", dir.file("registry.reg").c_str(), 1);
-    writeFile(mail + "/In.mbx", message("one") + message("two"));
-    writeFile(mail + "/In.toc", "");
+    AgentStoreTest::SetUp();
+    mailbox("In", message("one") + message("two"));
     writeFile(mail + "/Zed.MBX", message("zed"));
     writeFile(mail + "/Zed.toc", "");
-    writeFile(mail + "/Work/Box.mbx", message("box"));
-    writeFile(mail + "/Work/Box.toc", "");
+    mailbox("Work/Box", message("box"));
     writeFile(mail + "/Work/Deep/Only.toc", "");
-    ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString(mail.c_str())));
-    agent.init(kKey);
   }
-  void TearDown() override { agent.entries().terminateAgent(); }
-
-  TempDir dir;
-  const std::string mail = dir.file("mail");
-  LoadedAgent agent;
 };
 
 TEST_F(ObjectSearchTest, ARecordOfExactlyItsTrueSizeFits) {
-  const AgentEntryTable &e = agent.entries();
+  const AgentEntryTable &e = entries();
   const std::string path = mail + "/In.mbx";
   for (uint32_t extra = 17; extra <= 21; ++extra) {
     RecordBuffer record(path.size() + extra);
@@ -66,63 +48,52 @@ TEST_F(ObjectSearchTest, ARecordOfExactlyItsTrueSizeFits) {
 }
 
 TEST_F(ObjectSearchTest, TwoSearchesRunSideBySide) {
-  const AgentEntryTable &e = agent.entries();
   AgentHandle a = 0, b = 0;
   KeptRecord first, second;
-  ASSERT_EQ(StatusOk, findFirst(e, a, first));
-  ASSERT_EQ(StatusOk, findNext(e, a, first));
-  ASSERT_EQ(StatusOk, findFirst(e, b, second));
+  ASSERT_EQ(StatusOk, findFirst(a, first));
+  ASSERT_EQ(StatusOk, findNext(a, first));
+  ASSERT_EQ(StatusOk, findFirst(b, second));
   EXPECT_NE(a, b);
   EXPECT_EQ(12u, second.offset); // b starts at the beginning
-  ASSERT_EQ(StatusOk, findNext(e, a, first));
+  ASSERT_EQ(StatusOk, findNext(a, first));
   EXPECT_EQ(mail + "/Zed.MBX", first.path); // a goes on where it was
-  EXPECT_EQ(StatusOk, e.closeFindObjectHandle(a));
-  ASSERT_EQ(StatusOk, findNext(e, b, second));
+  EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(a));
+  ASSERT_EQ(StatusOk, findNext(b, second));
   EXPECT_EQ(mail + "/In.mbx", second.path);
-  EXPECT_EQ(StatusOk, e.closeFindObjectHandle(b));
+  EXPECT_EQ(StatusOk, entries().closeFindObjectHandle(b));
 }
 
-// A walk's messages keep only what its records need, but with the log on they still log the
-// subject they read.
-TEST(SearchLog, AWalkLogsEachMessagesSubject) {
-  TempDir dir;
-  setenv("TUK_REGISTRY", dir.file("registry.reg").c_str(), 1);
-  writeFile(dir.file("mail/In.mbx"), message("one") + message("two"));
-  writeFile(dir.file("mail/In.toc"), "");
-  ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString(dir.file("mail").c_str())));
-  LoadedAgent agent;
-  CapturedLog::lines().clear();
-  agent.init(kKey, "EN", CapturedLog::sink);
-  const AgentEntryTable &e = agent.entries();
-  e.setLogFlag(1);
-  EXPECT_EQ(2u, walkRecords(e).records.size());
-  e.setLogFlag(0);
+TEST_F(ObjectSearchTest, AWalkLogsEachSubjectAndStoresThatGiveNoObject) {
+  // A walk's messages keep only what its records need, but with the log on they still log the
+  // subject they read.
+  startLogging();
+  EXPECT_EQ(4u, walk().records.size());
   EXPECT_TRUE(CapturedLog::contains(".\\MailMsg|Subject: one"));
   EXPECT_TRUE(CapturedLog::contains(".\\MailMsg|Subject: two"));
-  e.terminateAgent();
-}
-
-TEST_F(ObjectSearchTest, StoresThatGiveNoObject) {
-  const AgentEntryTable &e = agent.entries();
   AgentHandle search = 42;
   KeptRecord record;
+  // An empty MailPath: not a walk of the whole file system from its root.
+  const Watchdog watchdog(60);
+  ASSERT_NE(0, SetRegValue(kEudoraKey, "MailPath", CString("")));
+  EXPECT_EQ(StatusNoMoreObjects, findFirst(search, record));
+  EXPECT_TRUE(CapturedLog::contains("Failed trying to get MailPath value"));
+  EXPECT_FALSE(CapturedLog::contains("searching for /*.*"));
   // No MailPath at all.
   const std::string settings = readFile(dir.file("registry.reg"));
   writeFile(dir.file("registry.reg"), "");
-  EXPECT_EQ(StatusNoMoreObjects, findFirst(e, search, record));
+  EXPECT_EQ(StatusNoMoreObjects, findFirst(search, record));
   writeFile(dir.file("registry.reg"), settings);
   // Only control files, or mailboxes that all are empty.
-  ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString((mail + "/Work").c_str())));
+  ASSERT_NE(0, SetRegValue(kEudoraKey, "MailPath", CString((mail + "/Work").c_str())));
   ASSERT_EQ(0, truncate((mail + "/Work/Box.mbx").c_str(), 0));
-  EXPECT_EQ(StatusNoMoreObjects, findFirst(e, search, record));
+  EXPECT_EQ(StatusNoMoreObjects, findFirst(search, record));
   // A directory that does not exist.
-  ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString(dir.file("nowhere").c_str())));
-  EXPECT_EQ(StatusNoMoreObjects, findFirst(e, search, record));
+  ASSERT_NE(0, SetRegValue(kEudoraKey, "MailPath", CString(dir.file("nowhere").c_str())));
+  EXPECT_EQ(StatusNoMoreObjects, findFirst(search, record));
   // Extensions from the registry replace the defaults entirely.
-  ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString(mail.c_str())));
-  ASSERT_NE(0, SetRegValue(kKey, "CtrlFileExt", CString(".idx")));
-  EXPECT_EQ(StatusNoMoreObjects, findFirst(e, search, record));
+  ASSERT_NE(0, SetRegValue(kEudoraKey, "MailPath", CString(mail.c_str())));
+  ASSERT_NE(0, SetRegValue(kEudoraKey, "CtrlFileExt", CString(".idx")));
+  EXPECT_EQ(StatusNoMoreObjects, findFirst(search, record));
   EXPECT_EQ(42u, search);
 }
-
 } // namespace

@@ -1,14 +1,9 @@
-// mhhost config through the agent's settings page, and a Thunderbird profile indexed through
-// the Netscape agent.
-#include "tests/support/ClientStores.h"
+// mhhost config through the agent's settings page. (A Thunderbird profile indexed through the
+// Netscape agent: HostUpdates.)
 #include "tests/host/HostFixture.h"
-
-#include <gtest/gtest.h>
-
 #include <unistd.h>
 
 namespace {
-
 class HostConfigTest : public HostFixture, public ::testing::Test {
 protected:
   std::string registryLine(const std::string &name, const std::string &value) {
@@ -22,9 +17,8 @@ protected:
 TEST_F(HostConfigTest, StoresDirectoriesAndTheFlagThroughTheSettingsPage) {
   makeDirs(dir.file("mail"));
   writeFile(dir.file("program/eudora.exe"), "");
-  const HostResult run = host({"--client", "eudora", "config", "--mail-dir", dir.file("mail"),
-                               "--exe-dir", dir.file("program"), "--attachments", "on"});
-  ASSERT_EQ(0, run.status) << run.err;
+  const HostResult run = hostOk({"--client", "eudora", "config", "--mail-dir", dir.file("mail"),
+                                 "--exe-dir", dir.file("program"), "--attachments", "on"});
   EXPECT_EQ(std::string::npos, run.out.find("==")) << "the check had nothing to warn of";
   EXPECT_TRUE(registryHas("[Software\\Tuk\\Agents\\MHEudora]"));
   EXPECT_TRUE(registryHas(registryLine("MailPath", dir.file("mail"))));
@@ -34,11 +28,10 @@ TEST_F(HostConfigTest, StoresDirectoriesAndTheFlagThroughTheSettingsPage) {
   EXPECT_TRUE(registryHas("\"Attachments\"=dword:00000001"));
   EXPECT_TRUE(registryHas(registryLine("EudAttachPath", dir.file("mail") + "/Attach")));
   EXPECT_EQ(1u, linesWith(run.out, "Attachments  on").size()) << run.out;
-
   // A second run that leaves the flag alone keeps it; one that sets it off clears it.
-  ASSERT_EQ(0, host({"--client", "eudora", "config", "--exe-dir", dir.file("program")}).status);
+  hostOk({"--client", "eudora", "config", "--exe-dir", dir.file("program")});
   EXPECT_TRUE(registryHas("\"Attachments\"=dword:00000001"));
-  ASSERT_EQ(0, host({"--client", "eudora", "config", "--attachments", "off"}).status);
+  hostOk({"--client", "eudora", "config", "--attachments", "off"});
   EXPECT_TRUE(registryHas("\"Attachments\"=dword:00000000"));
   EXPECT_TRUE(registryHas(registryLine("MailPath", dir.file("mail"))));
 }
@@ -46,8 +39,7 @@ TEST_F(HostConfigTest, StoresDirectoriesAndTheFlagThroughTheSettingsPage) {
 TEST_F(HostConfigTest, TheCheckStepsWarningIsPrintedAndAnsweredCancel) {
   // A relative directory is stored as an absolute one.
   const HostResult run =
-      host({"--client", "netscape", "config", "--mail-dir", "no/such/mail", "--yes"});
-  ASSERT_EQ(0, run.status) << run.err;
+      hostOk({"--client", "netscape", "config", "--mail-dir", "no/such/mail", "--yes"});
   EXPECT_EQ(0u, run.out.find("== Note on Netscape Mail. ==\nBoth the Netscape mail and "
                              "executable directories specified do not exist.\n(answered "
                              "Cancel)\n"))
@@ -60,65 +52,20 @@ TEST_F(HostConfigTest, TheCheckStepsWarningIsPrintedAndAnsweredCancel) {
 TEST_F(HostConfigTest, RetryAtTheTerminalAsksForOtherValues) {
   makeDirs(dir.file("mail"));
   writeFile(dir.file("program/winpm-32.exe"), "");
-  const HostResult run = host({"--client", "pegasus", "config", "--mail-dir", dir.file("typo"),
-                               "--exe-dir", dir.file("program")},
-                              "r\n" + dir.file("mail") + "\n\n", Input::Terminal);
-  ASSERT_EQ(0, run.status) << run.err;
+  const HostResult run = hostOk({"--client", "pegasus", "config", "--mail-dir", dir.file("typo"),
+                                 "--exe-dir", dir.file("program")},
+                                "r\n" + dir.file("mail") + "\n\n", Input::Terminal);
   EXPECT_EQ(1u, linesWith(run.out, "The Pegasus mail directory specified does not exist.").size())
       << run.out;
-  EXPECT_NE(std::string::npos, run.err.find("Mail directory [" + dir.file("typo") + "]"));
+  EXPECT_TRUE(holds(run.err, "Mail directory [" + dir.file("typo") + "]"));
   EXPECT_TRUE(registryHas(registryLine("MailPath", dir.file("mail"))));
   EXPECT_TRUE(registryHas(registryLine("ExePath", dir.file("program"))));
 }
 
 TEST_F(HostConfigTest, ExtensionsGoStraightIntoTheRegistry) {
-  const HostResult run =
-      host({"--client", "internet", "config", "--ctrl-ext", "msf", "--mail-ext", ""});
-  ASSERT_EQ(0, run.status) << run.err;
+  hostOk({"--client", "internet", "config", "--ctrl-ext", "msf", "--mail-ext", ""});
   EXPECT_TRUE(registryHas(registryLine("CtrlFileExt", ".msf")));
   EXPECT_TRUE(registryHas(registryLine("MailFileExt", "")));
   EXPECT_FALSE(registryHas("MailPath")) << "no page was needed";
 }
-
-// Thunderbird keeps mbox files without an extension beside .msf files, with subfolders in
-// .sbd folders; the mail directory has a blank in its name.
-TEST_F(HostConfigTest, IndexesAThunderbirdProfileThroughTheNetscapeAgent) {
-  const std::string local = dir.file("profile/Mail/Local Folders");
-  const TestMessage welcome = {"Sat, 23 Nov 2024 12:00:00 +0000", "Ann <ann@example.org>",
-                               "me@example.org", "", "Welcome to the new account",
-                               "Hello from the inbox.\n"};
-  const TestMessage trip = {"Sun, 24 Nov 2024 08:00:00 +0000", "Bob <bob@example.org>",
-                            "me@example.org", "", "Trip photos", "Photos of the trip.\n"};
-  const std::vector<std::pair<std::string, std::vector<TestMessage>>> folders = {
-      {"Inbox", {welcome}}, {"Archives.sbd/2024", {trip}}, {"Trash", {}}, {"Archives", {}}};
-  for (const auto &folder : folders) {
-    writeFile(local + "/" + folder.first, mailboxOf("netscape", folder.second).bytes);
-    writeFile(local + "/" + folder.first + ".msf", "// <!-- <mdb:mork:z v=\"1.4\"/> -->\n");
-  }
-  writeFile(local + "/msgFilterRules.dat", "version=\"9\"\n");
-  const std::string key = "Software\\Tuk\\Agents\\MHNetscape\\Thunderbird";
-  HostResult run =
-      host({"--key", key, "config", "--mail-dir", local, "--ctrl-ext", ".msf", "--yes"});
-  ASSERT_EQ(0, run.status) << run.err;
-  run = host({"--key", key, "index"});
-  ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(0u, lastLine(run.out).find("indexed: 2 new, 0 unchanged, 0 moved, 0 removed")) << run.out;
-  std::vector<JsonObject> hits = searchJson("subject:trip");
-  ASSERT_EQ(1u, hits.size());
-  EXPECT_EQ(local + "/Archives.sbd/2024", hits[0].strings.at("path"));
-  run = host({"show", std::to_string(hits[0].numbers.at("id"))});
-  EXPECT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(1u, linesWith(run.out, "Location: " + local + "/Archives.sbd/2024").size());
-
-  // A second store in the same index; "index" alone brings both up to date.
-  writeMailbox("eudora", dir.file("eudora/In"), {welcome});
-  setRegistryValue("eudora", "MailPath", dir.file("eudora"));
-  ASSERT_EQ(0, host({"--client", "eudora", "index"}).status);
-  EXPECT_EQ(2u, searchJson("welcome").size());
-  EXPECT_EQ(1u, searchJson("welcome", {"--key", key}).size());
-  run = host({"index"});
-  ASSERT_EQ(0, run.status) << run.err;
-  EXPECT_EQ(2u, linesWith(run.out, "indexed: 0 new").size()) << run.out;
-}
-
 } // namespace

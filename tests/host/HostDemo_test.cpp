@@ -2,10 +2,7 @@
 // nothing, in a folder of the demo's own.
 #include "tests/host/HostFixture.h"
 
-#include <gtest/gtest.h>
-
 namespace {
-
 TEST(HostDemoTest, RunsEveryStepOnAllFourClientsInItsOwnFolder) {
   HostFixture fixture;
   const std::string folder = fixture.dir.file("demo");
@@ -32,11 +29,8 @@ TEST(HostDemoTest, RunsEveryStepOnAllFourClientsInItsOwnFolder) {
   EXPECT_TRUE(fileExists(folder + "/mhhost.db"));
   EXPECT_FALSE(fileExists(fixture.registry));
   EXPECT_FALSE(fileExists(fixture.dir.file("data/tuk/mhhost.db")));
-
   // A folder that holds something already is not the demo's.
-  const HostResult again = fixture.hostAlone({"demo", "--dir", folder}, environment);
-  EXPECT_EQ(1, again.status);
-  EXPECT_NE(std::string::npos, again.err.find("not an empty folder")) << again.err;
+  EXPECT_TRUE(refused(fixture.hostAlone({"demo", "--dir", folder}, environment), 1,
+                      "not an empty folder"));
 }
-
 } // namespace

@@ -3,9 +3,6 @@
 // TUK_MODEL_SEED set the length of the run and its seed.
 #include "tests/host/HostFixture.h"
 #include "tests/support/ClientStores.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -14,14 +11,12 @@
 #include <iterator>
 #include <memory>
 #include <random>
-#include <sqlite3.h>
-#include <unistd.h>
-#include <sys/wait.h>
-#include <fcntl.h>
 #include <csignal>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
-
 namespace fs = std::filesystem;
 
 unsigned long environmentNumber(const char *name, unsigned long fallback) {
@@ -89,6 +84,22 @@ std::string rowsMissingFrom(const std::vector<std::string> &a, const std::vector
   return text + (only.size() > 4 ? "  (" + std::to_string(only.size()) + " in all)\n" : "");
 }
 
+// Makes an index anew at `fresh` by `index`, the arguments of a run whose --db is index[3], and
+// says what the index at index[3] lacks of it or holds beyond it; empty when both hold the same.
+std::string differenceFromFresh(std::vector<std::string> index, const std::string &fresh) {
+  const std::string database = index[3];
+  fs::remove(fresh);
+  index[3] = fresh;
+  const HostResult made = runProgram(TUK_MHHOST, index);
+  if (made.status != 0)
+    return "a fresh index failed: " + made.err;
+  const std::vector<std::string> ours = indexRows(database), theirs = indexRows(fresh);
+  if (ours == theirs)
+    return "";
+  return "only in the index kept up to date:\n" + rowsMissingFrom(ours, theirs) +
+         "only in a fresh index:\n" + rowsMissingFrom(theirs, ours);
+}
+
 // A message and the time on the delimiter line that Netscape writes ahead of it when it
 // files it ("mm:ss" past 10 o'clock): a message moved to another mailbox gets a new one.
 struct Letter {
@@ -110,7 +121,6 @@ protected:
   const std::string &client() const { return GetParam(); }
   size_t pick(size_t count) { return static_cast<size_t>(generator() % count); }
   std::string shortName(const std::string &path) const { return path.substr(mail.size() + 1); }
-
   std::string words(size_t count) {
     static const char *const kWords[] = {"able", "bark", "coal", "dusk", "echo", "fern",
                                          "gale", "hush", "iris", "jade", "kite", "lamp"};
@@ -139,7 +149,6 @@ protected:
       letter.message.body += words(3 + pick(6)) + "\n";
     return letter;
   }
-
   Mailbox whole(const Box &box) const {
     std::vector<TestMessage> messages;
     for (const Letter &letter : box.letters)
@@ -159,7 +168,6 @@ protected:
   void appendRest(const Box &box) {
     appendFile(mailFile(box), bytesOf(box).substr(readFile(mailFile(box)).size()));
   }
-
   // A new name in the mail folder or in a folder below it.
   std::string newPath(const char *kind) {
     const size_t parent = pick(folders.size() + 1);
@@ -174,7 +182,6 @@ protected:
     writeFile(controlFileOf(client(), box.stem), std::string(32, '\0'));
     boxes.push_back(box);
   }
-
   // Makes one change of the kind `kind` to a mailbox picked at random and says what it did;
   // empty when the mailbox doesn't allow it.
   std::string change(size_t kind) {
@@ -279,12 +286,9 @@ protected:
       return "new mailbox " + shortName(boxes.back().stem);
     }
   }
-
-  HostResult index(const std::string &db) {
-    return runProgram(TUK_MHHOST,
-                      {"--registry", registry, "--db", db, "--client", client(), "index"});
+  std::vector<std::string> indexRun() const {
+    return {"--registry", registry, "--db", database, "--client", client(), "index"};
   }
-
   std::mt19937 generator;
   std::string mail;
   std::vector<std::string> folders; // below `mail`
@@ -306,99 +310,54 @@ TEST_P(HostModelTest, AnIndexKeptUpToDateEqualsAFreshOne) {
     addBox(2 + pick(3));
   setRegistryValue(client(), "MailPath", mail);
   const std::string fresh = dir.file("fresh.db");
-
   std::string history;
   for (unsigned long step = 0; step <= steps; ++step) {
     std::string done = "the first run";
     while (step > 0 && (done = change(pick(11))).empty()) {
     }
     history += "  " + std::to_string(step) + ": " + done + "\n";
-    const HostResult kept = index(database);
+    const HostResult kept = runProgram(TUK_MHHOST, indexRun());
     ASSERT_EQ(0, kept.status) << kept.err;
-    fs::remove(fresh);
-    const HostResult made = index(fresh);
-    ASSERT_EQ(0, made.status) << made.err;
-
-    const std::vector<std::string> ours = indexRows(database), theirs = indexRows(fresh);
-    ASSERT_TRUE(ours == theirs) << "seed " << seed << ", " << client() << ", step " << step << " ("
-                                << done << ")\nonly in the index kept up to date:\n"
-                                << rowsMissingFrom(ours, theirs) << "only in a fresh index:\n"
-                                << rowsMissingFrom(theirs, ours) << "changes:\n"
-                                << history;
+    const std::string difference = differenceFromFresh(indexRun(), fresh);
+    ASSERT_TRUE(difference.empty()) << "seed " << seed << ", " << client() << ", step " << step
+                                    << " (" << done << ")\n"
+                                    << difference << "changes:\n"
+                                    << history;
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryClient, HostModelTest, ::testing::ValuesIn(kClientNames));
 
-// mhhost index started in a process of its own, to be killed.
-pid_t startIndex(const std::vector<std::string> &arguments) {
-  std::vector<std::string> all = {TUK_MHHOST};
-  all.insert(all.end(), arguments.begin(), arguments.end());
-  std::vector<char *> argv;
-  for (std::string &argument : all)
-    argv.push_back(&argument[0]);
-  argv.push_back(nullptr);
-  std::fflush(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
-    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-      dup2(null, fd);
-    setenv("TZ", "UTC", 1); // as runProgram runs it
-    execv(argv[0], argv.data());
-    _exit(127);
-  }
-  return child;
-}
-
-// An Eudora store of three mailboxes of `count` notes each, and the command line that
-// indexes it.
-std::vector<std::string> writeNotes(HostFixture &host, std::vector<TestMessage> &messages,
-                                    int count) {
-  const std::string mail = host.dir.file("mail");
-  for (int i = 0; i < count; ++i)
+// Two runs at once: the second waits for the first. A run killed at any moment, before, between
+// or after its commits, leaves an index that the next run completes: the first run of a store,
+// and a run after it changed. Each time the index is what a fresh run makes. The store: three
+// mailboxes of 700 notes each (a run commits each 2,000 messages: once here).
+TEST(HostKillTest, TwoRunsAtOnceOrOneKilledLeaveWhatOneRunMakes) {
+  HostFixture host;
+  const std::string mail = host.dir.file("mail"), fresh = host.dir.file("fresh.db");
+  std::vector<TestMessage> messages;
+  for (int i = 0; i < 700; ++i)
     messages.push_back({"1 Feb 1998 10:00:00 +0000", "ann@example.org", "bob@example.org", "",
                         "note " + std::to_string(i), std::string(40, 'x') + " words\n"});
   for (const char *stem : {"/In", "/Dir/Work", "/Dir/Old"})
     writeMailbox("eudora", mail + stem, messages);
   host.setRegistryValue("eudora", "MailPath", mail);
-  return {"--registry", host.registry, "--db", host.database, "--client", "eudora", "index"};
-}
-
-// Two runs at once: the second waits for the first, and the index is what one run makes.
-TEST(HostKillTest, TwoRunsAtOnceMakeWhatOneMakes) {
-  HostFixture host;
-  std::vector<TestMessage> messages;
-  const std::vector<std::string> index = writeNotes(host, messages, 700);
-  const pid_t first = startIndex(index);
+  const std::vector<std::string> index = {"--registry", host.registry, "--db", host.database,
+                                          "--client",   "eudora",      "index"};
+  const pid_t first = startProgram(TUK_MHHOST, index);
   ASSERT_GT(first, 0);
   const HostResult second = runProgram(TUK_MHHOST, index);
   int status = 0;
   waitpid(first, &status, 0);
   EXPECT_EQ(0, second.status) << second.err;
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-  std::vector<std::string> freshIndex = index;
-  freshIndex[3] = host.dir.file("fresh.db");
-  ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
-  EXPECT_TRUE(indexRows(host.database) == indexRows(freshIndex[3]));
-}
-
-// A run killed at any moment, before, between or after its commits, leaves an index that the
-// next run completes to what a fresh run makes: the first run of a store, and a run after it
-// changed.
-TEST(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
-  HostFixture host;
-  std::vector<TestMessage> messages;
-  // A run commits each 2,000 messages: once here.
-  const std::vector<std::string> index = writeNotes(host, messages, 700);
-  const std::string mail = host.dir.file("mail");
-  const std::string fresh = host.dir.file("fresh.db");
-  std::mt19937 generator(static_cast<unsigned>(environmentNumber("TUK_MODEL_SEED", 1)));
+  EXPECT_EQ("", differenceFromFresh(index, fresh));
   // Kills fall anywhere in a whole first run, as long as it takes on this machine and build.
-  std::vector<std::string> freshIndex = index;
-  freshIndex[3] = fresh;
+  std::mt19937 generator(static_cast<unsigned>(environmentNumber("TUK_MODEL_SEED", 1)));
+  std::vector<std::string> freshRun = index;
+  freshRun[3] = fresh;
   const auto start = std::chrono::steady_clock::now();
-  ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
+  ASSERT_EQ(0, runProgram(TUK_MHHOST, freshRun).status);
   const auto span = std::chrono::duration_cast<std::chrono::microseconds>(
                         std::chrono::steady_clock::now() - start).count() + 1;
   for (int round = 0; round < 8; ++round) {
@@ -408,21 +367,15 @@ TEST(HostKillTest, ARunKilledAtAnyMomentIsCompletedByTheNext) {
       messages.erase(messages.begin() + static_cast<long>(generator() % messages.size()));
       writeMailbox("eudora", mail + "/Dir/Work", messages);
     }
-    const pid_t child = startIndex(index);
+    const pid_t child = startProgram(TUK_MHHOST, index);
     ASSERT_GT(child, 0);
     usleep(static_cast<useconds_t>(generator() % static_cast<unsigned long>(span)));
     kill(child, SIGKILL);
-    int status = 0;
     waitpid(child, &status, 0);
     const HostResult completed = runProgram(TUK_MHHOST, index);
     ASSERT_EQ(0, completed.status) << "round " << round << ": " << completed.err;
-    fs::remove(fresh);
-    ASSERT_EQ(0, runProgram(TUK_MHHOST, freshIndex).status);
-    const std::vector<std::string> ours = indexRows(host.database), theirs = indexRows(fresh);
-    ASSERT_TRUE(ours == theirs) << "round " << round << "\nonly after the kill:\n"
-                                << rowsMissingFrom(ours, theirs) << "only in a fresh index:\n"
-                                << rowsMissingFrom(theirs, ours);
+    const std::string difference = differenceFromFresh(index, fresh);
+    ASSERT_TRUE(difference.empty()) << "round " << round << "\n" << difference;
   }
 }
-
 } // namespace

@@ -3,12 +3,12 @@
 
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <sstream>
+#include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -16,47 +16,41 @@
 extern char **environ;
 
 namespace {
-
-std::vector<std::string>
-childEnvironment(const std::vector<std::pair<std::string, std::string>> &added) {
-  const auto isAdded = [&](const std::string &name) {
-    for (const auto &variable : added)
-      if (variable.first == name)
-        return true;
-    return false;
-  };
-  std::vector<std::string> variables;
-  for (char **entry = environ; *entry != nullptr; ++entry) {
-    const std::string text = *entry;
-    const std::string name = text.substr(0, text.find('='));
-    if (!isAdded(name) && name != "TZ")
-      variables.push_back(text);
-  }
-  for (const auto &variable : added)
-    variables.push_back(variable.first + "=" + variable.second);
-  if (!isAdded("TZ"))
+// argv and envp of a program: `environment` ahead of this process's, and TZ=UTC ahead of it
+// unless given. getenv finds a variable's first occurrence.
+struct Command {
+  Command(const std::string &program, const std::vector<std::string> &arguments,
+          const std::vector<std::pair<std::string, std::string>> &environment)
+      : words{program} {
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    for (const auto &variable : environment)
+      variables.push_back(variable.first + "=" + variable.second);
     variables.push_back("TZ=UTC");
-  return variables;
-}
-
+    for (char **entry = environ; *entry != nullptr; ++entry)
+      variables.push_back(*entry);
+    for (std::string &word : words)
+      argv.push_back(&word[0]);
+    for (std::string &variable : variables)
+      envp.push_back(&variable[0]);
+    argv.push_back(nullptr);
+    envp.push_back(nullptr);
+  }
+  // In the child: a program that hangs dies of SIGALRM, which execve keeps.
+  [[noreturn]] void exec() {
+    alarm(120);
+    execve(argv[0], argv.data(), envp.data());
+    _exit(127);
+  }
+  std::vector<std::string> words, variables;
+  std::vector<char *> argv, envp;
+};
 } // namespace
 
 HostResult runProgram(const std::string &program, const std::vector<std::string> &arguments,
                       const std::vector<std::pair<std::string, std::string>> &environment,
                       const std::string &input, Input inputKind) {
   HostResult result;
-  std::vector<std::string> words = {program};
-  words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<char *> argv;
-  for (std::string &word : words)
-    argv.push_back(&word[0]);
-  argv.push_back(nullptr);
-  std::vector<std::string> variables = childEnvironment(environment);
-  std::vector<char *> envp;
-  for (std::string &variable : variables)
-    envp.push_back(&variable[0]);
-  envp.push_back(nullptr);
-
+  Command command(program, arguments, environment);
   // Standard input from a file, or a pseudo-terminal where the test types; both outputs into
   // files, read once the program has ended.
   TempDir files;
@@ -78,9 +72,7 @@ HostResult runProgram(const std::string &program, const std::vector<std::string>
     const int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
     dup2(open(files.file("out").c_str(), flags, 0600), STDOUT_FILENO);
     dup2(open(files.file("err").c_str(), flags, 0600), STDERR_FILENO);
-    alarm(120); // kept across execve: a program that hangs dies of SIGALRM
-    execve(program.c_str(), argv.data(), envp.data());
-    _exit(127);
+    command.exec();
   }
   if (terminal >= 0) {
     // A small input fits the terminal's buffer at once; the program reads it when it asks.
@@ -99,16 +91,24 @@ HostResult runProgram(const std::string &program, const std::vector<std::string>
   return result;
 }
 
+pid_t startProgram(const std::string &program, const std::vector<std::string> &arguments) {
+  Command command(program, arguments, {});
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+      dup2(null, fd);
+    command.exec();
+  }
+  return child;
+}
+
 std::vector<std::string> linesOf(const std::string &text) {
   std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    const size_t end = text.find('\n', start);
-    lines.push_back(text.substr(start, end == std::string::npos ? end : end - start));
-    if (end == std::string::npos)
-      break;
-    start = end + 1;
-  }
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);)
+    lines.push_back(line);
   return lines;
 }
 

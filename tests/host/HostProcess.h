@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <sys/types.h>
 #include <utility>
 #include <vector>
 
@@ -20,6 +21,10 @@ enum class Input { Pipe, Terminal };
 HostResult runProgram(const std::string &program, const std::vector<std::string> &arguments,
                       const std::vector<std::pair<std::string, std::string>> &environment = {},
                       const std::string &input = "", Input inputKind = Input::Pipe);
+
+// Starts `program` as runProgram runs it, with nothing for standard input and both outputs
+// dropped, and returns at once: the process id, for a test that kills it.
+pid_t startProgram(const std::string &program, const std::vector<std::string> &arguments);
 
 // The lines of a text, without their line ends.
 std::vector<std::string> linesOf(const std::string &text);

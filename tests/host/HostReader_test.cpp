@@ -2,27 +2,18 @@
 // raw bodies hide (base64, quoted-printable, 8-bit, HTML, encoded words, zones, no dates,
 // MIME trees) is found by its words and shown decoded.
 #include "tests/host/HostFixture.h"
-
-#include <gtest/gtest.h>
-
 #include <sqlite3.h>
 
 namespace {
-
 class HostReaderTest : public HostFixture, public ::testing::Test {
 protected:
   void SetUp() override {
     writeFile(dir.file("ns/Inbox"), readFile(TUK_SOURCE_DIR "/tests/host/mail/decoding.mbox"));
     writeFile(dir.file("ns/Inbox.snm"), std::string(64, '\0'));
-    ASSERT_EQ(host({"config", "--client", "netscape", "--mail-dir", dir.file("ns"), "--yes"})
-                  .status, 0);
-    const HostResult indexed = host({"index", "--client", "netscape"});
-    ASSERT_EQ(indexed.status, 0) << indexed.err;
-    ASSERT_NE(indexed.out.find("8 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"),
-              std::string::npos)
-        << indexed.out;
+    hostOk({"config", "--client", "netscape", "--mail-dir", dir.file("ns"), "--yes"});
+    ASSERT_TRUE(indexed(host({"index", "--client", "netscape"}),
+                        "8 new, 0 unchanged, 0 moved, 0 removed, 0 unreadable, 0 raw"));
   }
-
   // The one hit of `query`.
   JsonObject only(const std::string &query) {
     const std::vector<JsonObject> hits = searchJson(query);
@@ -32,24 +23,18 @@ protected:
 };
 
 TEST_F(HostReaderTest, FindsEveryDecodedWordAndNoneOfTheEncoding) {
-  const struct {
-    const char *query, *subject;
-  } found[] = {
-      {"xylophone", "base64 text"},
-      {"Käsekuchen", "quoted-printable"},
-      {"kasekuchen", "quoted-printable"},
-      {"hippopotamus", "quoted-printable"},
-      {"Müller", "undeclared eight bit"},
-      {"aardvark", "html only"},
-      {"Überweisung", "Überweisung"},
-      {"from:Jörg", "Überweisung"},
-      {"narwhal", "alternative with attachment"},
-      {"pangolin", "alternative with attachment"},
-      {"wombat", "alternative with attachment"},
-      {"attachment:resume", "alternative with attachment"},
+  // Each subject, and the queries that find its message alone.
+  const std::pair<const char *, std::vector<const char *>> found[] = {
+      {"base64 text", {"xylophone"}},
+      {"quoted-printable", {"Käsekuchen", "kasekuchen", "hippopotamus"}},
+      {"undeclared eight bit", {"Müller"}},
+      {"html only", {"aardvark"}},
+      {"Überweisung", {"Überweisung", "from:Jörg"}},
+      {"alternative with attachment", {"narwhal", "pangolin", "wombat", "attachment:resume"}},
   };
-  for (const auto &expected : found)
-    EXPECT_EQ(only(expected.query).strings["subject"], expected.subject) << expected.query;
+  for (const auto &[subject, queries] : found)
+    for (const char *query : queries)
+      EXPECT_EQ(only(query).strings["subject"], subject) << query;
   // Encodings, markup and the HTML alternative of a plain part are not text.
   for (const char *absent : {"C3", "hippopota", "color", "nbsp", "tagword", "walrus", "UTF",
                              "w5xiZXJ3ZWlzdW5n"})
@@ -66,12 +51,12 @@ TEST_F(HostReaderTest, DatesAreTrueTimesWithTheSendersZoneOrTheDelimiterLine) {
   const JsonObject lineDated = only("kumquat");
   EXPECT_EQ(lineDated.numbers.at("date"), static_cast<long long>(mktime(&local)));
   // Its bytes are known with that line: its snippet is read again, not said changed.
-  EXPECT_NE(lineDated.strings.at("snippet").find("kumquat"), std::string::npos);
+  EXPECT_TRUE(holds(lineDated.strings.at("snippet"), "kumquat"));
   // Neither: no date, never the agent's default one.
   const JsonObject undated = only("quokka");
   EXPECT_EQ(undated.numbers.count("date"), 0u);
   const HostResult line = host({"search", "quokka"});
-  EXPECT_NE(line.out.find("  -  Nowhen"), std::string::npos) << line.out;
+  EXPECT_TRUE(holds(line.out, "  -  Nowhen"));
   // Sorted by date either way, the undated come last.
   for (const char *order : {"newest", "oldest"}) {
     const std::vector<JsonObject> hits =
@@ -87,22 +72,18 @@ TEST_F(HostReaderTest, DatesAreTrueTimesWithTheSendersZoneOrTheDelimiterLine) {
 
 TEST_F(HostReaderTest, CatShowsTheReadersViewAndRawTheAgentsBytes) {
   const std::string id = std::to_string(only("narwhal").numbers["id"]);
-  const HostResult view = host({"cat", id});
-  ASSERT_EQ(view.status, 0) << view.err;
+  const HostResult view = hostOk({"cat", id});
   for (const char *shown :
        {"From: Mixed <mixed@example.org>\n", "Subject: alternative with attachment\n",
         "The plain narwhal.", "Subject: the forwarded pangolin",
         "[attachment] Résumé.pdf  application/pdf  200 bytes"})
-    EXPECT_NE(view.out.find(shown), std::string::npos) << shown << "\n" << view.out;
+    EXPECT_TRUE(holds(view.out, shown));
   EXPECT_EQ(view.out.find("walrus"), std::string::npos);
   EXPECT_EQ(view.out.find("--outer"), std::string::npos);
-
-  const HostResult raw = host({"cat", "--raw", id});
-  EXPECT_NE(raw.out.find("--outer\r\nContent-Type: multipart/alternative"), std::string::npos);
-
-  const HostResult subject = host({"cat", std::to_string(only("Überweisung").numbers["id"])});
-  EXPECT_NE(subject.out.find("From: Jörg Grün <joerg@example.org>\nDate: "), std::string::npos)
-      << subject.out;
+  EXPECT_TRUE(
+      holds(host({"cat", "--raw", id}).out, "--outer\r\nContent-Type: multipart/alternative"));
+  EXPECT_TRUE(holds(host({"cat", std::to_string(only("Überweisung").numbers["id"])}).out,
+                    "From: Jörg Grün <joerg@example.org>\nDate: "));
 }
 
 TEST_F(HostReaderTest, AnIndexOfTheOlderSchemaIsRebuiltNeverRead) {
@@ -110,15 +91,11 @@ TEST_F(HostReaderTest, AnIndexOfTheOlderSchemaIsRebuiltNeverRead) {
   ASSERT_EQ(sqlite3_open(database.c_str(), &db), SQLITE_OK);
   ASSERT_EQ(sqlite3_exec(db, "PRAGMA user_version = 1", nullptr, nullptr, nullptr), SQLITE_OK);
   sqlite3_close(db);
-  const HostResult search = host({"search", "xylophone"});
-  EXPECT_EQ(search.status, 1);
-  EXPECT_NE(search.err.find("run mhhost index to rebuild it"), std::string::npos) << search.err;
+  EXPECT_TRUE(refused(host({"search", "xylophone"}), 1, "run mhhost index to rebuild it"));
   // The stores it held are known still: index without --client reads them all again.
   const HostResult rebuilt = host({"index"});
-  ASSERT_EQ(rebuilt.status, 0) << rebuilt.err;
-  EXPECT_NE(rebuilt.err.find("was made by an older mhhost; it is rebuilt"), std::string::npos);
-  EXPECT_NE(rebuilt.out.find("indexed: 8 new, 0 unchanged"), std::string::npos) << rebuilt.out;
+  EXPECT_TRUE(indexed(rebuilt, "8 new, 0 unchanged"));
+  EXPECT_TRUE(holds(rebuilt.err, "was made by an older mhhost; it is rebuilt"));
   EXPECT_EQ(searchJson("xylophone").size(), 1u);
 }
-
 } // namespace

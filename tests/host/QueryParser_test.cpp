@@ -1,11 +1,9 @@
-// The query language, form by form: what reaches the full-text index, and the conditions
-// beside it.
+// The query language, form by form: what reaches the full-text index, and the conditions beside it.
 #include "host/QueryParser.h"
-
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
-
 time_t localTime(int year, int month, int day) {
   struct tm fields = {};
   fields.tm_year = year - 1900, fields.tm_mon = month - 1, fields.tm_mday = day;
@@ -16,9 +14,7 @@ time_t localTime(int year, int month, int day) {
 const time_t kNow = localTime(1998, 3, 14) + time_t{12} * 3600; // noon, 14 March 1998
 
 TEST(QueryParserTest, WordsOperatorsAndFieldsBecomeOneQuotedExpression) {
-  const struct {
-    const char *query, *match;
-  } cases[] = {
+  const std::pair<const char *, const char *> cases[] = {
       {"garden party", "\"garden\" AND \"party\""},
       {"\"garden party\"", "\"garden party\""},
       {"garden or party", "(\"garden\" OR \"party\")"},
@@ -34,11 +30,11 @@ TEST(QueryParserTest, WordsOperatorsAndFieldsBecomeOneQuotedExpression) {
        "\"subject\" : \"report\" AND \"from\" : \"Ann Lee\" AND \"attachment\" : \"invoice\" *"},
       {"re:status", "\"re:status\""}, // no field: a word
   };
-  for (const auto &c : cases) {
+  for (const auto &[text, match] : cases) {
     ParsedQuery query;
     QueryError error;
-    ASSERT_TRUE(parseQuery(c.query, kNow, query, error)) << c.query << ": " << error.what;
-    EXPECT_EQ(query.match, c.match) << c.query;
+    ASSERT_TRUE(parseQuery(text, kNow, query, error)) << text << ": " << error.what;
+    EXPECT_EQ(query.match, match) << text;
   }
   // Only words that must be missing: no expression to match, the words to leave out.
   ParsedQuery query;
@@ -49,10 +45,8 @@ TEST(QueryParserTest, WordsOperatorsAndFieldsBecomeOneQuotedExpression) {
 }
 
 TEST(QueryParserTest, DatesFoldersClientsAndIdsStandBeside) {
-  const struct {
-    const char *query;
-    time_t since, until; // the first second, and the one after the last
-  } dates[] = {
+  // Each condition, its first second, and the one after its last (0: open).
+  const std::tuple<const char *, time_t, time_t> dates[] = {
       {"date:1998", localTime(1998, 1, 1), localTime(1999, 1, 1)},
       {"date:1998-03", localTime(1998, 3, 1), localTime(1998, 4, 1)},
       {"date:1998-03-14", localTime(1998, 3, 14), localTime(1998, 3, 15)},
@@ -65,14 +59,14 @@ TEST(QueryParserTest, DatesFoldersClientsAndIdsStandBeside) {
       {"date:1y..", localTime(1997, 3, 14), 0},
       {"date:..1997", 0, localTime(1998, 1, 1)},
   };
-  for (const auto &d : dates) {
+  for (const auto &[text, since, until] : dates) {
     ParsedQuery query;
     QueryError error;
-    ASSERT_TRUE(parseQuery(std::string("garden ") + d.query, kNow, query, error)) << d.query;
+    ASSERT_TRUE(parseQuery(std::string("garden ") + text, kNow, query, error)) << text;
     EXPECT_TRUE(query.dated);
     EXPECT_EQ(query.match, "\"garden\"");
-    EXPECT_EQ(query.since, d.since != 0 ? d.since : INT64_MIN) << d.query;
-    EXPECT_EQ(query.until, d.until != 0 ? d.until - 1 : INT64_MAX) << d.query;
+    EXPECT_EQ(query.since, since != 0 ? since : INT64_MIN) << text;
+    EXPECT_EQ(query.until, until != 0 ? until - 1 : INT64_MAX) << text;
   }
   ParsedQuery query;
   QueryError error;
@@ -97,5 +91,4 @@ TEST(QueryParserTest, AnyInputIsAQueryOrAnErrorAtAPlaceInIt) {
   EXPECT_FALSE(parseQuery(std::string(100000, '('), kNow, query, error));
   EXPECT_EQ(error.what, "the query nests too deep");
 }
-
 } // namespace

@@ -1,13 +1,10 @@
 // Snippets from the query language's expressions, made with the index's own tokenizer.
 #include "host/QueryParser.h"
 #include "host/Snippet.h"
-
 #include <gtest/gtest.h>
-
 #include <memory>
 
 namespace {
-
 std::string snippetOf(const std::string &query, const std::string &text,
                       const std::string &column = "body") {
   sqlite3 *opened = nullptr;
@@ -19,7 +16,7 @@ std::string snippetOf(const std::string &query, const std::string &text,
   return SnippetMaker(db.get(), parsed.match, "[", "]").snippet(text, column);
 }
 
-TEST(SnippetTest, MarksTheQuerysWordsAsTheIndexFoldsThem) {
+TEST(SnippetTest, MarksTheQuerysWordsInAWindowOfSixteenWords) {
   EXPECT_EQ("The [Résumé] is [ready]", snippetOf("resume READY", "The Résumé is ready"));
   EXPECT_EQ("[quarterly]-[report] and [reporting]",
             snippetOf("quarterly-report report*", "quarterly-report and reporting"));
@@ -31,9 +28,7 @@ TEST(SnippetTest, MarksTheQuerysWordsAsTheIndexFoldsThem) {
   EXPECT_EQ("[cat] and dog or [fern]", snippetOf("(cat OR fern) NOT (dog OR moss)",
                                                  "cat and dog or fern"));
   EXPECT_EQ("", snippetOf("fern", "cat and dog"));
-}
-
-TEST(SnippetTest, AWindowOfSixteenWordsAroundTheMostMatches) {
+  // A window of sixteen words around the most matches.
   std::string text;
   for (int i = 0; i < 40; ++i)
     text += "w" + std::to_string(i) + (i == 20 || i == 22 ? " hit " : " ");

@@ -1,67 +1,31 @@
 // Inputs that once broke the agent (tests/hostile/cases/<target>/) and the fuzz targets' seeds
-// (fuzz/corpus/<target>/): each goes through its fuzz target's property check, which aborts
-// when a property does not hold, in a child process of its own with a time bound. All must
-// end cleanly.
-//
-// The fuzz targets are compiled in here as they are, each under a name of its own.
-// NOLINTBEGIN(bugprone-suspicious-include)
-#include "fuzz/FuzzAgent.cpp"
-#include "fuzz/FuzzSupport.cpp"
-
-#define LLVMFuzzerTestOneInput checkMessageInit
-#include "fuzz/message_init_fuzz.cpp"
-#undef LLVMFuzzerTestOneInput
-#define LLVMFuzzerTestOneInput checkMailDate
-#include "fuzz/mail_date_fuzz.cpp"
-#undef LLVMFuzzerTestOneInput
-#define FUZZ_MAIL_FILE CEudoraMailFile
-#define LLVMFuzzerTestOneInput checkFramingEudora
-#include "fuzz/framing_fuzz.cpp"
-#undef LLVMFuzzerTestOneInput
-#define LLVMFuzzerTestOneInput checkPairing
-#include "fuzz/pairing_fuzz.cpp"
-#undef LLVMFuzzerTestOneInput
-#define LLVMFuzzerTestOneInput checkRegistry
-#include "fuzz/registry_fuzz.cpp"
-#undef LLVMFuzzerTestOneInput
-#define LLVMFuzzerTestOneInput checkIni
-#include "fuzz/ini_fuzz.cpp"
-#undef LLVMFuzzerTestOneInput
-// NOLINTEND(bugprone-suspicious-include)
-
+// (fuzz/corpus/<target>/): each goes through its fuzz target's property check, which aborts when a
+// property does not hold, in a child process of its own with a time bound. All must end cleanly.
 #include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
+#include <cstdint>
 #include <cstdlib>
 #include <dirent.h>
+#include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
+
+// Each target's entry, compiled once more as fuzz_<target> (tests/CMakeLists.txt).
+#define FUZZ_TARGET(name) extern "C" int fuzz_##name(const uint8_t *data, size_t size);
+TUK_FUZZ_TARGETS
+#undef FUZZ_TARGET
 
 namespace {
-
-using Check = int (*)(const uint8_t *data, size_t size);
-
 struct Target {
   const char *name;
-  Check check;
+  int (*check)(const uint8_t *data, size_t size);
 };
 
 void PrintTo(const Target &target, std::ostream *out) {
   *out << target.name;
 }
 
-const Target kTargets[] = {
-    {"message_init", checkMessageInit},
-    {"mail_date", checkMailDate},
-    {"framing_eudora", checkFramingEudora},
-    {"framing_internet", checkFraming<CInternetMailMailFile>},
-    {"framing_netscape", checkFraming<CNetscapeMailFile>},
-    {"framing_pegasus", checkFraming<CPegasusMailFile>},
-    {"pairing", checkPairing},
-    {"registry", checkRegistry},
-    {"ini", checkIni},
-};
+#define FUZZ_TARGET(name) {#name, fuzz_##name},
+const Target kTargets[] = {TUK_FUZZ_TARGETS};
+#undef FUZZ_TARGET
 
 std::vector<std::string> filesIn(const std::string &folder) {
   std::vector<std::string> files;
@@ -103,5 +67,4 @@ INSTANTIATE_TEST_SUITE_P(Targets, PastInputs, ::testing::ValuesIn(kTargets),
                          [](const ::testing::TestParamInfo<Target> &info) {
                            return std::string(info.param.name);
                          });
-
 } // namespace

@@ -2,37 +2,29 @@
 // moments: every value a writer was told is written is there afterwards, of its type, and the
 // file reads whole at every moment for a reader running beside them.
 #include "cmn/Registry.h"
+#include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
-#include <map>
+#include <gtest/gtest.h>
 #include <random>
-#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
-
 using Clock = std::chrono::steady_clock;
-
-// A writer process: sets its own values, one after the other, and tells the parent through a
-// pipe of each one that SetRegValue reported written. Strings and integers take turns.
-struct Writer {
-  pid_t pid = -1;
-  int claims = -1; // the read end of its pipe
-};
 
 std::string valueName(int writer, int round, int at) {
   return "W" + std::to_string(writer) + "." + std::to_string(round) + "." + std::to_string(at);
 }
 
-// A claim on the pipe: the index of a value, 4 bytes.
+// A writer process: sets its own values, one after the other, strings and integers taking
+// turns, and tells the parent through a pipe of each one that SetRegValue reported written.
+struct Writer {
+  pid_t pid = -1;
+  int claims = -1; // the read end of its pipe: the index of each value, 4 bytes
+};
+
 Writer startWriter(int writer, int round, Clock::time_point until) {
   int ends[2];
   if (pipe(ends) != 0)
@@ -53,107 +45,86 @@ Writer startWriter(int writer, int round, Clock::time_point until) {
   return {pid, ends[0]};
 }
 
-// Everything a writer claimed, once it has ended.
-std::vector<int32_t> claimsOf(const Writer &writer) {
-  std::vector<int32_t> claimed;
-  int32_t at = 0;
-  while (read(writer.claims, &at, sizeof at) == sizeof at)
-    claimed.push_back(at);
-  close(writer.claims);
-  return claimed;
-}
-
 // A reader beside the writers: a value written before they started must read at every
 // moment. It exits with 1 at the first read that fails, with 0 at `until`.
 pid_t startReader(Clock::time_point until) {
   const pid_t pid = fork();
   if (pid == 0) {
-    while (Clock::now() < until) {
-      CString text;
+    CString text;
+    while (Clock::now() < until)
       if (!GetRegValue("Stress", "Before", text) || text != "stays")
         _exit(1);
-    }
     _exit(0);
   }
   return pid;
 }
 
-class RegistryStressTest : public ::testing::Test {
-protected:
-  void SetUp() override {
-    setenv("TUK_REGISTRY", registry.c_str(), 1);
-    ASSERT_NE(0, SetRegValue("Stress", "Before", CString("stays")));
-  }
-
-  // Every claimed value reads back as it was written.
-  void expectClaims(int writer, int round, const std::vector<int32_t> &claimed) {
-    for (const int32_t at : claimed) {
-      const std::string name = valueName(writer, round, at);
-      if (at % 2) {
-        int32_t number = -1;
-        ASSERT_NE(0, GetRegValue("Stress", name.c_str(), &number)) << name;
-        EXPECT_EQ(at, number);
-      } else {
-        CString text;
-        ASSERT_NE(0, GetRegValue("Stress", name.c_str(), text)) << name;
-        EXPECT_EQ(name, std::string(text.GetString()));
-      }
-    }
-  }
-
-  TempDir dir;
-  const std::string registry = dir.file("cfg/registry.reg");
-};
-
-TEST_F(RegistryStressTest, FourWritersAtOnceLoseNoValue) {
-  constexpr int kWriters = 4;
-  const auto until = Clock::now() + std::chrono::seconds(3);
-  const pid_t reader = startReader(until);
-  std::vector<Writer> writers;
-  for (int writer = 0; writer < kWriters; ++writer)
-    writers.push_back(startWriter(writer, 0, until));
-  size_t total = 0;
-  for (int writer = 0; writer < kWriters; ++writer) {
-    ASSERT_GT(writers[writer].pid, 0);
-    const std::vector<int32_t> claimed = claimsOf(writers[writer]);
-    int status = 0;
-    ASSERT_EQ(writers[writer].pid, waitpid(writers[writer].pid, &status, 0));
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "writer " << writer;
-    EXPECT_FALSE(claimed.empty()) << "writer " << writer << " never got the lock";
-    expectClaims(writer, 0, claimed);
-    total += claimed.size();
-  }
+int statusOf(pid_t child) {
   int status = 0;
-  ASSERT_EQ(reader, waitpid(reader, &status, 0));
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "a read failed mid-write";
-  EXPECT_GT(total, 4u);
+  EXPECT_EQ(child, waitpid(child, &status, 0));
+  return status;
 }
 
-TEST_F(RegistryStressTest, WritersKilledAtRandomMomentsLoseNoValueThatWasWritten) {
-  constexpr int kWriters = 3;
-  constexpr int kRounds = 12;
+// Waits for writer `index` of `round` to end; every value it claimed must read back as it was
+// written. Its wait status, and how many it claimed.
+std::pair<int, size_t> finish(const Writer &writer, int index, int round) {
+  std::vector<int32_t> claimed;
+  int32_t at = 0;
+  while (read(writer.claims, &at, sizeof at) == sizeof at)
+    claimed.push_back(at);
+  close(writer.claims);
+  const int status = statusOf(writer.pid);
+  for (const int32_t value : claimed) {
+    const std::string name = valueName(index, round, value);
+    int32_t number = -1;
+    CString text;
+    if (value % 2) {
+      EXPECT_NE(0, GetRegValue("Stress", name.c_str(), &number)) << name;
+      EXPECT_EQ(value, number);
+    } else {
+      EXPECT_NE(0, GetRegValue("Stress", name.c_str(), text)) << name;
+      EXPECT_EQ(name, std::string(text.GetString()));
+    }
+  }
+  return {status, claimed.size()};
+}
+
+class RegistryStressTest : public ::testing::Test {
+protected:
+  void SetUp() override { ASSERT_NE(0, SetRegValue("Stress", "Before", CString("stays"))); }
+  TempDir dir;
+  ScopedEnvironment registry{"TUK_REGISTRY", dir.file("cfg/registry.reg")};
+};
+
+// Three writers at a time: the first round runs to its end, and each writer must get the lock;
+// in every later round each writer is killed at a moment of its own, most of them in the middle
+// of a write.
+TEST_F(RegistryStressTest, WritersAtOnceOrKilledAtRandomMomentsLoseNoValueThatWasWritten) {
   std::mt19937 random(5);
   const auto end = Clock::now() + std::chrono::seconds(20);
   const pid_t reader = startReader(end);
-  for (int round = 0; round < kRounds && Clock::now() < end; ++round) {
+  for (int round = 0; round < 12 && Clock::now() < end; ++round) {
+    const auto until = round == 0 ? Clock::now() + std::chrono::seconds(3) : end;
     std::vector<Writer> writers;
-    for (int writer = 0; writer < kWriters; ++writer)
-      writers.push_back(startWriter(writer, round, end));
-    // Each writer is killed at a moment of its own, most of them in the middle of a write.
+    for (int writer = 0; writer < 3; ++writer)
+      writers.push_back(startWriter(writer, round, until));
     for (Writer &writer : writers) {
       usleep(static_cast<useconds_t>(1000 + random() % 60000));
-      kill(writer.pid, SIGKILL);
+      if (round > 0)
+        kill(writer.pid, SIGKILL);
     }
-    for (int writer = 0; writer < kWriters; ++writer) {
-      int status = 0;
-      ASSERT_EQ(writers[writer].pid, waitpid(writers[writer].pid, &status, 0));
-      EXPECT_TRUE(WIFSIGNALED(status)) << "writer " << writer << " stopped on its own";
-      expectClaims(writer, round, claimsOf(writers[writer]));
+    for (int writer = 0; writer < 3; ++writer) {
+      const auto [status, claimed] = finish(writers[writer], writer, round);
+      if (round == 0) {
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "writer " << writer;
+        EXPECT_NE(0u, claimed) << "writer " << writer << " never got the lock";
+      } else {
+        EXPECT_TRUE(WIFSIGNALED(status)) << "writer " << writer << " stopped on its own";
+      }
     }
   }
   kill(reader, SIGKILL); // had a read failed, it would have exited with 1 already
-  int status = 0;
-  ASSERT_EQ(reader, waitpid(reader, &status, 0));
+  const int status = statusOf(reader);
   EXPECT_FALSE(WIFEXITED(status) && WEXITSTATUS(status) != 0) << "a read failed mid-write";
   // A killed writer leaves no lock behind, and the file takes a write at once.
   EXPECT_NE(0, SetRegValue("Stress", "After", 1));

@@ -1,16 +1,11 @@
 // Stores of hostile shapes: links that loop, trees too deep, a crowded folder, names no mail
-// client would choose, a mailbox over 4 GiB, a folder or a pipe where a mail file should be,
-// and folders or mailboxes the agent may not read.
-#include "tests/hostile/HostileStore.h"
-#include "tests/hostile/Watchdog.h"
-
-#include "cmn/Registry.h"
+// client would choose, a mailbox over 4 GiB, a pipe where a mail file should be, and folders
+// or mailboxes the agent may not read. (A folder where a mail file should be: the pairing's
+// tests in store/MailboxScan.)
 #include "platform/FilesFaults.h"
 #include "store/MFNList.h"
 #include "tests/support/AgentSession.h"
-
-#include <gtest/gtest.h>
-
+#include "tests/support/AgentStore.h"
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -19,23 +14,9 @@
 #include <unistd.h>
 
 namespace {
-
 using Clock = std::chrono::steady_clock;
 
-std::vector<std::string> pathsOf(const StoreWalk &found) {
-  std::vector<std::string> paths;
-  for (const KeptRecord &record : found.records)
-    paths.push_back(record.path);
-  return paths;
-}
-
-class StoreShapesTest : public HostileStoreTest {
-protected:
-  void mailbox(const std::string &stem, const std::string &bytes = eudoraMessage("x")) {
-    writeFile(mail + "/" + stem + ".mbx", bytes);
-    writeFile(mail + "/" + stem + ".toc", "");
-  }
-};
+using StoreShapesTest = AgentStoreTest;
 
 TEST_F(StoreShapesTest, LinksThatLoopOrLeadOutOfTheStoreAreNeverFollowedAsFolders) {
   Watchdog watchdog(60);
@@ -61,19 +42,15 @@ TEST_F(StoreShapesTest, FourteenFoldersDeepIsIndexedAndAnythingDeeperEndsTheScan
   std::string deep = mail;
   for (int level = 1; level <= 14; ++level)
     deep += "/d" + std::to_string(level);
-  writeFile(deep + "/In.mbx", eudoraMessage("deep"));
-  writeFile(deep + "/In.toc", "");
+  mailbox(deep.substr(mail.size() + 1) + "/In", eudoraMessage("deep"));
   EXPECT_EQ(1u, walk().records.size());
   makeDirs(deep + "/d15");
   EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
   ASSERT_EQ(0, rmdir((deep + "/d15").c_str()));
-
-  std::string deeper = mail + "/e";
+  std::string deeper = "e";
   for (int level = 2; level <= 100; ++level)
     deeper += "/e";
-  makeDirs(deeper);
-  writeFile(deeper + "/In.mbx", eudoraMessage("deeper"));
-  writeFile(deeper + "/In.toc", "");
+  mailbox(deeper + "/In", eudoraMessage("deeper"));
   const auto start = Clock::now();
   EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
   EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
@@ -103,12 +80,8 @@ TEST_F(StoreShapesTest, NamesWithBlanksBackslashesLineBreaksAndBytesThatAreNotUt
                                           "-dash",      "semi;colon", "quote\"d",     "star*.*"};
   for (const std::string &stem : stems)
     mailbox(stem, eudoraMessage(stem, "Body of " + stem + "\r\n"));
-  // The log sees every name too.
-  CapturedLog::lines().clear();
-  startAgent(kEudoraKey, CapturedLog::sink);
-  entries().setLogFlag(1);
+  startLogging(); // the log sees every name too
   const StoreWalk found = walk();
-  entries().setLogFlag(0);
   ASSERT_EQ(stems.size(), found.records.size());
   EXPECT_TRUE(CapturedLog::contains("Mailbox: " + mail + "/%s%n%x.mbx"));
   for (const KeptRecord &record : found.records) {
@@ -142,50 +115,10 @@ TEST_F(StoreShapesTest, AMailboxOverFourGibibytesIsReadByTheLowPartOfItsSize) {
   EXPECT_EQ(std::vector<std::string>{mail + "/Next.mbx"}, pathsOf(walk()));
 }
 
-TEST_F(StoreShapesTest, AFolderWhereAMailFileShouldBe) {
-  mailbox("Real");
-  makeDirs(mail + "/In.mbx");
-  writeFile(mail + "/In.toc", "");
-  EXPECT_EQ(std::vector<std::string>{mail + "/Real.mbx"}, pathsOf(walk()));
-  // A record that names a folder opens nothing.
-  KeptRecord folder;
-  folder.path = mail + "/In.mbx";
-  EXPECT_EQ(StatusMailFileFailed, reopen(folder));
-
-  // Without a mail extension a folder is no mail file either, not even through the "." entry
-  // that the walk lists inside it, which a control file named ".snm" would otherwise pair.
-  writeFile(mail + "/Inbox", "From x y z 12 01:02:03 1998\nSubject: n\n\nbody\n");
-  writeFile(mail + "/Inbox.snm", "");
-  makeDirs(mail + "/Box");
-  writeFile(mail + "/Box/.snm", "");
-  writeFile(mail + "/Box.snm", "");
-  CMailFilenameList list;
-  ASSERT_EQ(1, list.findMailboxes(mail.c_str(), "", ".SNM"));
-  EXPECT_EQ(mail + "/Inbox", std::string(*list.getFirstMailbox()));
-  startAgent(kNetscapeKey);
-  EXPECT_EQ(std::vector<std::string>{mail + "/Inbox"}, pathsOf(walk()));
-}
-
-TEST_F(StoreShapesTest, AnEmptyMailPathIsNoStoreAtAll) {
-  Watchdog watchdog(60);
-  mailbox("A");
-  CapturedLog::lines().clear();
-  startAgent(kEudoraKey, CapturedLog::sink);
-  ASSERT_NE(0, SetRegValue(kEudoraKey, "MailPath", CString("")));
-  entries().setLogFlag(1);
-  EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
-  entries().setLogFlag(0);
-  // Not a walk of the whole file system from its root.
-  EXPECT_TRUE(CapturedLog::contains("Failed trying to get MailPath value"));
-  EXPECT_FALSE(CapturedLog::contains("searching for /*.*"));
-}
-
 TEST_F(StoreShapesTest, AFolderThatCannotBeReadEndsTheScanAndAMailboxIsPassedOver) {
   mailbox("A");
   mailbox("B");
-  makeDirs(mail + "/Locked");
-  writeFile(mail + "/Locked/C.mbx", eudoraMessage("c"));
-  writeFile(mail + "/Locked/C.toc", "");
+  mailbox("Locked/C");
   EXPECT_EQ(3u, walk().records.size());
   // No partial result: one folder anywhere that cannot be listed, and there is no object at
   // all. Root reads every folder, so there the listing's fault injection stands in for the
@@ -199,7 +132,6 @@ TEST_F(StoreShapesTest, AFolderThatCannotBeReadEndsTheScanAndAMailboxIsPassedOve
   ASSERT_EQ(0, chmod((mail + "/Locked").c_str(), 0755));
   failNextFileOperations(FileOperation::OpenDirectory, EACCES);
   EXPECT_EQ(StatusNoMoreObjects, walk().firstStatus);
-
   // A mailbox that cannot be opened is passed over without a word: the first one, then one
   // that the walk comes to later.
   failNextFileOperations(FileOperation::OpenFile, EACCES);
@@ -210,5 +142,4 @@ TEST_F(StoreShapesTest, AFolderThatCannotBeReadEndsTheScanAndAMailboxIsPassedOve
   clearFileOperationFailures();
   EXPECT_EQ((std::vector<std::string>{mail + "/A.mbx", mail + "/Locked/C.mbx"}), pathsOf(found));
 }
-
 } // namespace

@@ -1,8 +1,6 @@
 // CString: what the mailbox scan and the header code rely on.
 #include "platform/CString.h"
-
 #include <gtest/gtest.h>
-
 #include <string>
 
 TEST(CStringTest, CaseTouchesOnlyAsciiLettersAndCutsClampToTheString) {
@@ -18,13 +16,12 @@ TEST(CStringTest, CaseTouchesOnlyAsciiLettersAndCutsClampToTheString) {
   EXPECT_EQ(CString("In.mbx").Find(".MBX"), -1);
   EXPECT_EQ(CString("ab").Find("", 3), -1);
   EXPECT_EQ(CString("text/plain; charset=x").SpanExcluding(";, "), "text/plain");
-
   const CString cut("abcdef");
-  const struct {
-    CString got;
-    const char *expected;
-  } cuts[] = {{cut.Left(-1), ""},     {cut.Left(10), "abcdef"}, {cut.Mid(7), ""},
-              {cut.Mid(-2, 3), "abc"}, {cut.Mid(4, 10), "ef"}};
-  for (const auto &c : cuts)
-    EXPECT_EQ(c.got, c.expected);
+  const std::pair<CString, const char *> cuts[] = {{cut.Left(-1), ""},
+                                                   {cut.Left(10), "abcdef"},
+                                                   {cut.Mid(7), ""},
+                                                   {cut.Mid(-2, 3), "abc"},
+                                                   {cut.Mid(4, 10), "ef"}};
+  for (const auto &[got, expected] : cuts)
+    EXPECT_EQ(got, expected);
 }

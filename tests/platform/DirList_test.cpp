@@ -3,18 +3,14 @@
 #include "platform/Files.h"
 #include "platform/FilesFaults.h"
 #include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
 #include <cerrno>
-#include <string>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
 namespace {
-
 typedef std::vector<std::pair<std::string, DWORD>> Listing;
 
 // Everything the search for `pattern` delivers, in order; empty when the first call fails.
@@ -44,7 +40,6 @@ DWORD firstFindError(const std::string &pattern) {
   ScopedHandle search(FindFirstFileA(pattern.c_str(), &found));
   return search.valid() ? 0 : GetLastError();
 }
-
 }  // namespace
 
 TEST(DirListTest, DotsComeFirstThenNamesInByteOrderOfTheirUpperCase) {

@@ -3,13 +3,10 @@
 #include "platform/FaultGuard.h"
 #include "platform/Files.h"
 #include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <string>
+#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <thread>
@@ -24,7 +21,6 @@
 #endif
 
 namespace {
-
 size_t pageSize() { return static_cast<size_t>(sysconf(_SC_PAGESIZE)); }
 
 bool guardedRead(const unsigned char *at, unsigned char &value) {
@@ -56,7 +52,6 @@ protected:
     ASSERT_NE(view_.get(), nullptr);
     ASSERT_EQ(truncate(path_.c_str(), static_cast<off_t>(pageSize())), 0);
   }
-
   const unsigned char *keptByte() const { return view_.get() + 10; }
   const unsigned char *cutOffByte() const { return view_.get() + 2 * pageSize() + 10; }
 
@@ -92,10 +87,9 @@ bool diedOfBusError(int status) {
   return false;
 #endif
 }
-
 }  // namespace
 
-TEST_F(TruncatedMapping, AReadPastTheNewEndFailsAndLaterReadsStillWork) {
+TEST_F(TruncatedMapping, AReadPastTheNewEndFailsItsOwnGuardOnlyAndLaterReadsStillWork) {
   unsigned char value = 0;
   EXPECT_FALSE(guardedRead(cutOffByte(), value));
   // The jump out of the handler must not leave SIGBUS blocked: a second fault would kill.
@@ -103,10 +97,7 @@ TEST_F(TruncatedMapping, AReadPastTheNewEndFailsAndLaterReadsStillWork) {
   EXPECT_FALSE(guardedRead(cutOffByte(), value));
   EXPECT_TRUE(guardedRead(keptByte(), value));
   EXPECT_EQ(value, 'x');
-}
-
-TEST_F(TruncatedMapping, NestedGuardsEachCatchTheirOwnFault) {
-  unsigned char value = 0;
+  // Nested guards each catch their own fault.
   bool innerCompleted = true;
   bool outerWentOn = false;
   EXPECT_TRUE(runGuarded([&] {
@@ -115,7 +106,6 @@ TEST_F(TruncatedMapping, NestedGuardsEachCatchTheirOwnFault) {
   }));
   EXPECT_FALSE(innerCompleted);
   EXPECT_TRUE(outerWentOn);
-
   // Once an inner call has ended, a fault belongs to the outer call again.
   innerCompleted = false;
   EXPECT_FALSE(runGuarded([&] {
@@ -152,7 +142,7 @@ TEST_F(TruncatedMapping, AGuardArmedLaterOnAnotherThreadDoesNotCatchThisThreadsF
   EXPECT_TRUE(otherCompleted);
 }
 
-TEST(FaultGuardDeathTest, ABusErrorNoGuardClaimsStillKills) {
+TEST(FaultGuardDeathTest, ABusErrorNoGuardClaimsKillsOrGoesWhereItWentBefore) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
@@ -185,10 +175,7 @@ TEST(FaultGuardDeathTest, ABusErrorNoGuardClaimsStillKills) {
         faultOutsideAnyGuard();
       },
       ::testing::KilledBySignal(SIGBUS), "");
-}
-
-TEST(FaultGuardDeathTest, ABusErrorNoGuardClaimsGoesWhereItWentBefore) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  // A handler that was there before gets the fault.
   EXPECT_EXIT(
       {
         struct sigaction earlier = {};
@@ -209,3 +196,4 @@ TEST(FaultGuardDeathTest, ABusErrorNoGuardClaimsGoesWhereItWentBefore) {
       },
       ::testing::ExitedWithCode(7), "");
 }
+

@@ -2,20 +2,16 @@
 // offer, Cancel where the box has it and OK otherwise.
 #include "platform/Window.h"
 #include "tests/platform/ScriptedUser.h"
-
 #include <gtest/gtest.h>
 
 namespace {
-
 TEST(MessageBoxTest, TheUserSeesTheBoxAndOnlyItsButtonsCount) {
-  const struct {
-    UINT type;
-    int answer;
-  } nobody[] = {{MB_OK | MB_ICONEXCLAMATION, IDOK}, {MB_RETRYCANCEL | MB_ICONQUESTION, IDCANCEL},
-                {MB_YESNOCANCEL, IDCANCEL},         {MB_YESNO, IDOK}};
-  for (const auto &c : nobody)
-    EXPECT_EQ(c.answer, MessageBoxA(nullptr, "text", "caption", c.type)) << c.type;
-
+  const std::pair<UINT, int> nobody[] = {{MB_OK | MB_ICONEXCLAMATION, IDOK},
+                                         {MB_RETRYCANCEL | MB_ICONQUESTION, IDCANCEL},
+                                         {MB_YESNOCANCEL, IDCANCEL},
+                                         {MB_YESNO, IDOK}};
+  for (const auto &[type, answer] : nobody)
+    EXPECT_EQ(answer, MessageBoxA(nullptr, "text", "caption", type)) << type;
   ScriptedUser user;
   const TukWindow frame = tukFrameCreate("Owner", 10, 10);
   user.boxAnswers = {IDRETRY, IDYES, 0, IDOK};
@@ -23,17 +19,13 @@ TEST(MessageBoxTest, TheUserSeesTheBoxAndOnlyItsButtonsCount) {
   EXPECT_EQ(IDCANCEL, MessageBoxA(nullptr, "x", nullptr, MB_RETRYCANCEL)); // Yes isn't there
   EXPECT_EQ(IDOK, MessageBoxA(nullptr, nullptr, "c", MB_OK));              // no answer
   EXPECT_EQ(IDOK, MessageBoxA(reinterpret_cast<HWND>(frame + 999), "y", "c", MB_OK));
-  ASSERT_EQ(4u, user.events.size());
-  const ScriptedUser::Event &first = user.events[0];
-  EXPECT_EQ(TUK_USER_MESSAGE_BOX, first.kind);
-  EXPECT_EQ(frame, first.window);
-  EXPECT_EQ("Again?", first.text);
-  EXPECT_EQ("Note", first.caption);
-  EXPECT_EQ(0x25u, first.flags);
-  EXPECT_EQ("Error", user.events[1].caption); // a box without a caption
-  EXPECT_EQ("", user.events[2].text);
-  EXPECT_EQ(0u, user.events[3].window); // an owner that is no window
+  // A box without a caption says "Error"; one whose owner is no window has none.
+  const int32_t box = TUK_USER_MESSAGE_BOX;
+  EXPECT_EQ((std::vector<ScriptedUser::Event>{{box, frame, "Again?", "Note", 0x25},
+                                               {box, 0, "x", "Error", MB_RETRYCANCEL},
+                                               {box, 0, "", "c", MB_OK},
+                                               {box, 0, "y", "c", MB_OK}}),
+            user.events);
   tukFrameDestroy(frame);
 }
-
 } // namespace

@@ -2,13 +2,9 @@
 // its place: hostile/Pathological.)
 #include "platform/Profile.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace {
-
 class ProfileTest : public ::testing::Test {
 protected:
   // The value and the count, as one string "count:value".
@@ -19,12 +15,11 @@ protected:
         GetPrivateProfileStringA(section, key, defaultValue, buffer, size, ini.c_str());
     return std::to_string(count) + ":" + buffer;
   }
-
   TempDir dir;
   const std::string ini = dir.file("eudora.ini");
 };
 
-TEST_F(ProfileTest, FindsSectionAndKeyWithoutRegardToCaseTrimmedAndUnquoted) {
+TEST_F(ProfileTest, FindsTheValueAndCopiesAtMostSizeLessOne) {
   writeFile(ini, "Top=1\r\n"
                  "[Other]\r\n"
                  "Dir=wrong\r\n"
@@ -44,9 +39,7 @@ TEST_F(ProfileTest, FindsSectionAndKeyWithoutRegardToCaseTrimmedAndUnquoted) {
   EXPECT_EQ("4:dflt", read("Settings", "Later")); // the first section of a name counts
   EXPECT_EQ("4:dflt", read("Missing", "Dir"));
   EXPECT_EQ("0:", read("Missing", "Dir", 64, nullptr));
-}
-
-TEST_F(ProfileTest, CopiesAtMostSizeLessOneAndCountsWhatItCopied) {
+  // At most size - 1 bytes are copied, and counted; the default is cut the same way.
   writeFile(ini, "[S]\nK=abcdef\n");
   EXPECT_EQ("6:abcdef", read("S", "K", 7));
   EXPECT_EQ("5:abcde", read("S", "K", 6));

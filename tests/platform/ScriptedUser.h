@@ -8,6 +8,7 @@
 #include <cstring>
 #include <deque>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -19,22 +20,26 @@ public:
     std::string text;
     std::string caption;
     uint32_t flags;
+    bool operator==(const Event &o) const {
+      return kind == o.kind && window == o.window && text == o.text && caption == o.caption &&
+             flags == o.flags;
+    }
+    friend void PrintTo(const Event &e, std::ostream *out) {
+      *out << e.kind << " on " << e.window << ": \"" << e.text << "\", \"" << e.caption << "\", "
+           << e.flags;
+    }
   };
-
   ScriptedUser() { tukSetUser(&answer, this); }
   ~ScriptedUser() { tukSetUser(nullptr, nullptr); }
   ScriptedUser(const ScriptedUser &) = delete;
   ScriptedUser &operator=(const ScriptedUser &) = delete;
-
   // Message boxes take the queued answers in turn; with none left, Cancel.
   std::deque<int32_t> boxAnswers;
   // The picker takes the queued folders in turn; an empty one, or none left, cancels.
   std::deque<std::string> folders;
   // What the person does with a modal dialog while it is up; nothing when unset.
   std::function<void(TukWindow dialog)> onModal;
-
   std::vector<Event> events;
-
   size_t count(int32_t kind) const {
     return static_cast<size_t>(std::count_if(events.begin(), events.end(),
                                              [kind](const Event &e) { return e.kind == kind; }));
@@ -68,7 +73,6 @@ private:
       return 0;
     }
   }
-
   template <class T> static T next(std::deque<T> &queue, T otherwise) {
     if (queue.empty())
       return otherwise;

@@ -4,14 +4,12 @@
 #include "platform/Unicode.h"
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
-
+#include <iterator>
 #include <memory>
 #include <unistd.h>
 
 namespace {
-
 struct ListFreer {
   void operator()(ITEMIDLIST *list) const { CoTaskMemFree(list); }
 };
@@ -43,44 +41,42 @@ protected:
     bytes.pop_back();
     return bytes;
   }
-
   TempDir dir;
 };
 
-TEST_F(PickerTest, AChosenFolderComesBackAsAListThatNamesItsPathByteForByte) {
+// A name that is UTF-8 text, four-byte characters too, comes back as wide text; bytes that are
+// no text (Latin-1, an overlong form, a surrogate, past U+10FFFF, a cut sequence) as they are.
+TEST_F(PickerTest, OnlyAnExistingFolderIsChosenAndItsListNamesItsPathByteForByte) {
+  EXPECT_FALSE(pick()); // nobody at the screen: cancelled
   ScriptedUser user;
-  const std::string folder = dir.file("Mail \xC3\xA9t\xC3\xA9"); // UTF-8 text
-  const std::string latin1 = dir.file("Latin1 \xE9");         // bytes that are no text
-  makeDirs(folder);
-  makeDirs(latin1);
-  user.folders = {folder, latin1};
-  char displayName[260] = {};
-  const List list = pick(displayName);
-  ASSERT_TRUE(list);
-  EXPECT_STREQ("Mail \xC3\xA9t\xC3\xA9", displayName);
-  UINT form = 99;
-  EXPECT_EQ(folder, nameOf(list.get(), form));
-  EXPECT_EQ(STRRET_WSTR, form);
+  const std::pair<std::string, UINT> names[] = {
+      {"Mail \xC3\xA9t\xC3\xA9 \xF0\x9F\x98\x80", STRRET_WSTR},
+      {"Latin1 \xE9", STRRET_OFFSET},
+      {"over\xC0\xAF", STRRET_OFFSET},
+      {"half\xED\xA0\x80", STRRET_OFFSET},
+      {"far\xF4\x90\x80\x80", STRRET_OFFSET},
+      {"cut\xE2\x82", STRRET_OFFSET}};
+  for (const auto &[name, expected] : names) {
+    makeDirs(dir.file(name));
+    user.folders = {dir.file(name)};
+    char displayName[260] = {};
+    const List list = pick(displayName);
+    ASSERT_TRUE(list) << name;
+    EXPECT_EQ(name, displayName);
+    UINT form = 99;
+    EXPECT_EQ(dir.file(name), nameOf(list.get(), form));
+    EXPECT_EQ(expected, form) << name;
+  }
   // It opened at the root, with the caller's title.
-  ASSERT_EQ(1u, user.count(TUK_USER_FOLDER_PICKER));
-  EXPECT_EQ("", user.events[0].caption);
-  EXPECT_EQ("Pick one", user.events[0].text);
-  EXPECT_EQ(BIF_RETURNONLYFSDIRS, user.events[0].flags);
-  const List other = pick();
-  ASSERT_TRUE(other);
-  EXPECT_EQ(latin1, nameOf(other.get(), form));
-  EXPECT_EQ(STRRET_OFFSET, form);
-}
-
-TEST_F(PickerTest, OnlyAnExistingDirectoryCanBeChosenAndNobodyCancels) {
-  EXPECT_FALSE(pick()); // no user
-  ScriptedUser user;
+  EXPECT_EQ((ScriptedUser::Event{TUK_USER_FOLDER_PICKER, 0, "Pick one", "", BIF_RETURNONLYFSDIRS}),
+            user.events[0]);
+  // Only an existing directory can be chosen.
   writeFile(dir.file("file"), "x");
   user.folders = {dir.file("file"), dir.file("missing"), ""};
   EXPECT_FALSE(pick());
   EXPECT_FALSE(pick());
   EXPECT_FALSE(pick());
-  EXPECT_EQ(3u, user.count(TUK_USER_FOLDER_PICKER));
+  EXPECT_EQ(std::size(names) + 3, user.count(TUK_USER_FOLDER_PICKER));
 }
 
 TEST(IconTest, ARegularFileHasOneStableIndexInBothListsAndOthersHaveNone) {
@@ -105,11 +101,9 @@ TEST(IconTest, ARegularFileHasOneStableIndexInBothListsAndOthersHaveNone) {
   EXPECT_EQ(-1, index(dir.file("missing.exe"), SHGFI_SYSICONINDEX));
   EXPECT_EQ(-1, index(dir.file("folder.exe"), SHGFI_SYSICONINDEX));
   EXPECT_EQ(-1, index(dir.file("eudora.exe"), 0x100)); // only the index is served
-
   failIconLookups(true);
   EXPECT_EQ(large, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX));
   EXPECT_EQ(-1, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
   EXPECT_EQ(large, index(dir.file("eudora.exe"), SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
 }
-
 } // namespace

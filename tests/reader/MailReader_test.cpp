@@ -4,19 +4,15 @@
 #include "host/reader/HeaderFields.h"
 #include "host/reader/MailDates.h"
 #include "host/reader/MailReader.h"
-
-#include <gtest/gtest.h>
-
 #include <ctime>
+#include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
-
 TEST(CharsetTest, EveryInputBecomesValidUtf8) {
-  const struct {
-    std::string bytes, charset, utf8;
-  } cases[] = {
-      {"M\xfcller", "", "Müller"},                     // undeclared: Windows-1252
-      {"M\xc3\xbcller", "", "Müller"},                 // undeclared but valid UTF-8
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"M\xfcller", "", "Müller"},                       // undeclared: Windows-1252
+      {"M\xc3\xbcller", "", "Müller"},                   // undeclared but valid UTF-8
       {"\x80 \x93quoted\x94", "us-ascii", "€ “quoted”"}, // mislabelled 8-bit
       {"M\xfcller", "ISO-8859-1", "Müller"},
       {"M\xfcller", "latin1", "Müller"},
@@ -24,13 +20,13 @@ TEST(CharsetTest, EveryInputBecomesValidUtf8) {
       {"\xcf\xf0\xe8\xe2\xe5\xf2", "windows-1251", "Привет"},
       {"\x93\xfa\x96\x7b", "shift_jis", "日本"},
       {"M\xfcller", "x-no-such-charset", "Müller"}, // unknown: as undeclared
-      {"ok \xff\xfe", "utf-8", "ok ÿþ"},             // bytes outside UTF-8
-      {"a\xe4", "euc-kr", "a\xEF\xBF\xBD"},          // a cut sequence: U+FFFD
+      {"ok \xff\xfe", "utf-8", "ok ÿþ"},            // bytes outside UTF-8
+      {"a\xe4", "euc-kr", "a\xEF\xBF\xBD"},         // a cut sequence: U+FFFD
   };
-  for (const auto &c : cases) {
+  for (const auto &[bytes, charset, utf8] : cases) {
     std::string out;
-    appendUtf8(c.bytes, c.charset, out);
-    EXPECT_EQ(out, c.utf8) << c.charset;
+    appendUtf8(bytes, charset, out);
+    EXPECT_EQ(out, utf8) << charset;
     EXPECT_EQ(validUtf8Prefix(out), out.size());
   }
   // Overlong forms and surrogates are no UTF-8.
@@ -55,24 +51,20 @@ TEST(HeaderFieldsTest, FoldedFieldsAndEncodedWordsAsAPersonReadsThem) {
 }
 
 TEST(MailDatesTest, HeaderDatesInUtcAndDelimiterLinesInLocalTime) {
-  const struct {
-    const char *text;
-    int64_t utc;
-  } dates[] = {
+  const std::pair<const char *, int64_t> dates[] = {
       {"Thu, 15 Jan 1998 10:30:45 -0500", 884878245},
       {"15 Jan 1998 15:30:45 GMT", 884878245},
       {"Thu, 15 Jan 98 10:30:45 EST", 884878245}, // two-digit year, named zone
       {"Thursday, 15-Jan-1998 15:30:45 +0000", 884878245},
   };
-  for (const auto &date : dates) {
+  for (const auto &[text, expected] : dates) {
     int64_t utc = 0;
-    EXPECT_TRUE(parseHeaderDate(date.text, utc)) << date.text;
-    EXPECT_EQ(utc, date.utc) << date.text;
+    EXPECT_TRUE(parseHeaderDate(text, utc)) << text;
+    EXPECT_EQ(expected, utc) << text;
   }
   int64_t utc = 0;
   for (const char *none : {"", "soon", "Thu, 15 Xyz 1998 10:30:45"})
     EXPECT_FALSE(parseHeaderDate(none, utc)) << none;
-
   struct tm local = {};
   local.tm_year = 98, local.tm_mday = 15, local.tm_hour = 10, local.tm_min = 30,
   local.tm_sec = 45, local.tm_isdst = -1;
@@ -106,18 +98,15 @@ TEST(MailReaderTest, TextOfTheRightPartsAndAttachmentsByName) {
   EXPECT_EQ(message.attachments[1].name, "Bär.png");
   EXPECT_EQ(message.attachments[1].type, "image/png");
   EXPECT_EQ(message.attachments[1].size, 8u);
-}
-
-TEST(MailReaderTest, UuencodedFilesInPlainTextAreAttachments) {
-  // "Cat" uuencoded, then a block without its end line, which stays text.
-  ReadMessage message;
+  // Uuencoded files in plain text are attachments too: "Cat" uuencoded, then a block without
+  // its end line, which stays text.
+  ReadMessage uu;
   readMessage("Subject: uu\n\n", "See the file.\nbegin 644 cat.txt\n#0V%T\n`\nend\nBye.\n"
                                   "begin 600 half.bin\n#0V%T\n",
-              message);
-  EXPECT_EQ(message.text, "See the file.\nBye.\nbegin 600 half.bin\n#0V%T\n");
-  ASSERT_EQ(message.attachments.size(), 1u);
-  EXPECT_EQ(message.attachments[0].name, "cat.txt");
-  EXPECT_EQ(message.attachments[0].size, 3u);
+              uu);
+  EXPECT_EQ(uu.text, "See the file.\nBye.\nbegin 600 half.bin\n#0V%T\n");
+  ASSERT_EQ(uu.attachments.size(), 1u);
+  EXPECT_EQ(uu.attachments[0].name, "cat.txt");
+  EXPECT_EQ(uu.attachments[0].size, 3u);
 }
-
 } // namespace

@@ -1,9 +1,9 @@
 // The four clients' settings pages, driven as a host and a person drive them: open the page
 // in a frame, type, browse, press keys, then the check step, the store step or a close.
 #include "tests/settings/SettingsFixture.h"
+#include <tuple>
 
 namespace {
-
 class ClientPageTest : public SettingsTest, public ::testing::WithParamInterface<Client> {
 protected:
   void SetUp() override {
@@ -13,7 +13,6 @@ protected:
     start(GetParam().key);
   }
   const Client &client() const { return GetParam(); }
-
   const std::string exeDir = dir.file("Program Files/Client");
   const std::string mailDir = dir.file("Mail");
 };
@@ -30,9 +29,15 @@ TEST_P(ClientPageTest, OpensHiddenInTheFrameShowingTheStoredDirectories) {
   EXPECT_EQ((client().height * 13 + 4) / 8, info.rect.bottom - info.rect.top);
   EXPECT_EQ(mailDir, field(page, kMailEdit));
   EXPECT_EQ(exeDir, field(page, kExeEdit));
-  EXPECT_EQ(client().key == allClients()[0].key, control(page, kAttachBox) != 0);
+  // The controls in tab order; the page's OK and Cancel behind them.
+  std::vector<int32_t> ids, expected = {IDC_MAIL_LABEL, kMailEdit, kBrowseMail, IDC_EXE_LABEL,
+                                        kExeEdit, kBrowseExe, kAttachBox, TUK_ID_OK, TUK_ID_CANCEL};
+  for (const TukWindow child : childWindows(page))
+    ids.push_back(windowInfo(child).id);
+  if (client().key != allClients()[0].key)
+    expected.erase(expected.begin() + 6); // only Eudora's page has the box
+  EXPECT_EQ(expected, ids);
   EXPECT_TRUE(CapturedLog::contains("MailPath: " + mailDir + "\n"));
-
   // Nothing stored: the fields are empty and the failed reads are logged.
   ASSERT_EQ(0, entries().propPageClose());
   std::remove(registryPath.c_str());
@@ -41,15 +46,13 @@ TEST_P(ClientPageTest, OpensHiddenInTheFrameShowingTheStoredDirectories) {
   EXPECT_TRUE(CapturedLog::contains("Failed trying to get ExePath value\n"));
 }
 
-TEST_P(ClientPageTest, TheCheckStepWarnsOfWhatIsMissingAndRetryKeepsTheUserOnThePage) {
+TEST_P(ClientPageTest, TheCheckStepWarnsRetryStaysAndNeitherItNorACloseStores) {
   const std::string bareDir = dir.file("bare");
   makeDirs(bareDir);
   writeFile(dir.file("a file"), "");
   const std::string missing = dir.file("missing");
-  const struct {
-    int state;
-    std::string exe, mail;
-  } cases[] = {
+  // Each state of the check, and the program and mail directories that give it.
+  const std::tuple<int, std::string, std::string> cases[] = {
       {1, dir.file("a file"), mailDir}, // a file is no directory
       {2, bareDir, mailDir},
       {4, exeDir, ""}, // an empty name can't be found
@@ -57,20 +60,19 @@ TEST_P(ClientPageTest, TheCheckStepWarnsOfWhatIsMissingAndRetryKeepsTheUserOnThe
       {6, bareDir, dir.file("a file")},
   };
   const TukWindow page = openPage();
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.state);
-    type(page, kExeEdit, c.exe);
-    type(page, kMailEdit, c.mail);
+  for (const auto &[state, exe, mail] : cases) {
+    SCOPED_TRACE(state);
+    type(page, kExeEdit, exe);
+    type(page, kMailEdit, mail);
     user.boxAnswers = {TUK_ID_RETRY, TUK_ID_CANCEL};
     user.events.clear();
     EXPECT_EQ(0, entries().Validate(0)); // Retry: back to the fields
     EXPECT_EQ(1, entries().Validate(0)); // Cancel: the values go on as they are
-    ASSERT_EQ(2u, user.count(TUK_USER_MESSAGE_BOX));
-    const ScriptedUser::Event &box = user.events[0];
-    EXPECT_EQ(loaded(client().stateTextIds[c.state]), box.text);
-    EXPECT_EQ(loaded(client().captionId), box.caption);
-    EXPECT_EQ(0x25u, box.flags); // Retry and Cancel, with a question mark
-    EXPECT_EQ(page, box.window);
+    // Twice the box of the state, with Retry and Cancel and a question mark.
+    const ScriptedUser::Event box = {TUK_USER_MESSAGE_BOX, page,
+                                     loaded(client().stateTextIds[state]),
+                                     loaded(client().captionId), 0x25};
+    EXPECT_EQ((std::vector<ScriptedUser::Event>{box, box}), user.events);
   }
   // All there: no question, and the host may go on.
   type(page, kExeEdit, exeDir + "/"); // a trailing separator doubles in the candidate
@@ -79,6 +81,12 @@ TEST_P(ClientPageTest, TheCheckStepWarnsOfWhatIsMissingAndRetryKeepsTheUserOnThe
   EXPECT_EQ(1, entries().Validate(0));
   EXPECT_TRUE(user.events.empty());
   EXPECT_FALSE(registryWritten()); // a check step never stores
+  // Closed without a store: the page goes, and a store after it has nothing to store.
+  EXPECT_EQ(0, entries().propPageClose());
+  EXPECT_EQ(-1, tukWindowGetInfo(page, nullptr));
+  EXPECT_TRUE(childWindows(frame).empty());
+  EXPECT_EQ(1, entries().Validate(1));
+  EXPECT_FALSE(registryWritten());
 }
 
 TEST_P(ClientPageTest, TheStoreStepStoresWithCommitOneOnlyAndNeverAsks) {
@@ -95,20 +103,7 @@ TEST_P(ClientPageTest, TheStoreStepStoresWithCommitOneOnlyAndNeverAsks) {
                                     "\tExe: " + dir.file("no program") + "\tAttach: 0"));
 }
 
-TEST_P(ClientPageTest, ClosingWithoutAStoreLeavesTheRegistryAsItWas) {
-  const TukWindow page = openPage();
-  type(page, kMailEdit, mailDir);
-  type(page, kExeEdit, exeDir);
-  EXPECT_EQ(1, entries().Validate(0));
-  EXPECT_EQ(0, entries().propPageClose());
-  EXPECT_FALSE(registryWritten());
-  EXPECT_EQ(-1, tukWindowGetInfo(page, nullptr));
-  EXPECT_TRUE(childWindows(frame).empty());
-  EXPECT_EQ(1, entries().Validate(1)); // no page: nothing to store
-  EXPECT_FALSE(registryWritten());
-}
-
-TEST_P(ClientPageTest, EnterAndEscDoNothingAndTheFocusGoesToTheMailDirectory) {
+TEST_P(ClientPageTest, EnterAndEscDoNothingAndF1ShowsTheTopicOfTheField) {
   const TukWindow page = openPage();
   type(page, kMailEdit, "typed");
   EXPECT_EQ(0, tukWindowPressKey(control(page, kMailEdit), TUK_KEY_ENTER));
@@ -119,6 +114,18 @@ TEST_P(ClientPageTest, EnterAndEscDoNothingAndTheFocusGoesToTheMailDirectory) {
   entries().propPageFocus();
   EXPECT_EQ(control(page, kMailEdit), tukWindowFocused());
   EXPECT_TRUE(user.events.empty());
+  // F1 shows the topic of the field from the installed help file.
+  EXPECT_EQ(0, tukWindowPressKey(control(page, kExeEdit), TUK_KEY_F1));
+  EXPECT_EQ(0, tukWindowPressKey(control(page, kMailEdit), TUK_KEY_F1));
+  EXPECT_EQ(0, tukWindowPressKey(control(page, kBrowseMail), TUK_KEY_F1)); // no topic
+  ASSERT_EQ(2u, user.count(TUK_USER_HELP));
+  EXPECT_EQ(client().exeHelpId, user.events[0].flags);
+  EXPECT_EQ(control(page, kExeEdit), user.events[0].window);
+  EXPECT_EQ(client().mailHelpId, user.events[1].flags);
+  for (const ScriptedUser::Event &help : user.events) {
+    EXPECT_NE(std::string::npos, help.caption.find("Directory"));
+    EXPECT_FALSE(help.text.empty());
+  }
 }
 
 TEST_P(ClientPageTest, BrowseFillsOnlyItsFieldAndStartsAtTheRoot) {
@@ -136,21 +143,6 @@ TEST_P(ClientPageTest, BrowseFillsOnlyItsFieldAndStartsAtTheRoot) {
   EXPECT_EQ(page, user.events[0].window);
   EXPECT_EQ(loaded(client().exePickerTitleId), user.events[1].text);
   EXPECT_FALSE(registryWritten());
-}
-
-TEST_P(ClientPageTest, F1ShowsTheTopicOfTheFieldFromTheInstalledHelpFile) {
-  const TukWindow page = openPage();
-  EXPECT_EQ(0, tukWindowPressKey(control(page, kExeEdit), TUK_KEY_F1));
-  EXPECT_EQ(0, tukWindowPressKey(control(page, kMailEdit), TUK_KEY_F1));
-  EXPECT_EQ(0, tukWindowPressKey(control(page, kBrowseMail), TUK_KEY_F1)); // no topic
-  ASSERT_EQ(2u, user.count(TUK_USER_HELP));
-  EXPECT_EQ(client().exeHelpId, user.events[0].flags);
-  EXPECT_EQ(control(page, kExeEdit), user.events[0].window);
-  EXPECT_EQ(client().mailHelpId, user.events[1].flags);
-  for (const ScriptedUser::Event &help : user.events) {
-    EXPECT_NE(std::string::npos, help.caption.find("Directory"));
-    EXPECT_FALSE(help.text.empty());
-  }
 }
 
 // What a careless host may do must not cost the stored values or leave windows behind.
@@ -173,5 +165,4 @@ TEST_F(SettingsTest, APageWithoutAParentOrOpenedTwiceKeepsTheStoredValues) {
 
 INSTANTIATE_TEST_SUITE_P(Clients, ClientPageTest, ::testing::ValuesIn(allClients()),
                          [](const auto &info) { return std::string(info.param.name); });
-
 } // namespace

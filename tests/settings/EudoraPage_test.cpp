@@ -4,7 +4,6 @@
 #include "tests/settings/SettingsFixture.h"
 
 namespace {
-
 const std::string kKey = "Software\\Tuk\\Agents\\MHEudora";
 const std::string kFileKey = "Software\\Tuk\\Agents\\File";
 
@@ -24,7 +23,6 @@ protected:
     tukWindowSetCheck(control(page, kAttachBox), box);
     return page;
   }
-
   const std::string exeDir = dir.file("Eudora");
   const std::string mailDir = dir.file("Mail");
 };
@@ -39,7 +37,6 @@ TEST_F(EudoraPageTest, TheBoxShowsTheStoredFlagButOnlyACheckStepTakesItBack) {
   EXPECT_EQ("0", storedNumber(kFileKey, "Attachments"));
   EXPECT_EQ(mailDir + "/Attach", stored(kFileKey, "EudAttachPath"));
   entries().propPageClose();
-
   // After a check step the store writes what the box showed at the check.
   page = fillPage(1);
   EXPECT_EQ(1, entries().Validate(0));
@@ -88,7 +85,6 @@ TEST_F(EudoraPageTest, EitherProgramNamePassesAndOnlyTheirExistenceCounts) {
 class EudoraSettingsTest : public SettingsTest {
 protected:
   void SetUp() override { start(kKey); } // for the module state, the strings and the log
-
   std::unique_ptr<CEudoraAgent> agentFor(const std::string &key) {
     auto agent = std::make_unique<CEudoraAgent>(CString("EN"), key.c_str());
     const char *name = nullptr;
@@ -100,23 +96,21 @@ protected:
 // The flag's key replaces the tag and what follows it; a key that starts with the tag has no
 // parent to put it under, and then only the directories are stored.
 TEST_F(EudoraSettingsTest, TheFileKeyReplacesTheTagAndWhatFollowsIt) {
-  const struct {
-    const char *agentKey;
-    const char *fileKey; // null: none
-  } cases[] = {
+  // An agent key, and the file key made of it (null: none).
+  const std::pair<const char *, const char *> cases[] = {
       {"Software\\Tuk\\MHEudora", "Software\\Tuk\\File"},
       {"Software\\Tuk\\MHEudora\\Extra", "Software\\Tuk\\File"},
       {"A\\MHEudora\\MHEudora", "A\\File"},
       {"Software\\Tuk\\", nullptr},
       {"MHEudora\\Settings", nullptr},
   };
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.agentKey);
+  for (const auto &[agentKey, expected] : cases) {
+    SCOPED_TRACE(agentKey);
     const std::unique_ptr<CString> fileKey =
-        agentFor(c.agentKey)->getFileAgentKey(CString("MHEudora"));
-    ASSERT_EQ(c.fileKey != nullptr, fileKey != nullptr);
+        agentFor(agentKey)->getFileAgentKey(CString("MHEudora"));
+    ASSERT_EQ(expected != nullptr, fileKey != nullptr);
     if (fileKey) {
-      EXPECT_STREQ(c.fileKey, fileKey->GetString());
+      EXPECT_STREQ(expected, fileKey->GetString());
     }
   }
   const std::unique_ptr<CEudoraAgent> agent = agentFor("MHEudora");
@@ -135,7 +129,6 @@ TEST_F(EudoraSettingsTest, TheIniValueIsTakenUpTo257Bytes) {
   CString attachDir("kept");
   EXPECT_EQ(0, agent->getAttachmentsDir(mail, attachDir));
   EXPECT_EQ(dir.file("Mail") + "/Attach", attachDir.GetString()); // no eudora.ini
-
   for (const size_t length : {257, 258, 300}) {
     SCOPED_TRACE(length);
     writeFile(dir.file("Mail/eudora.ini"),
@@ -153,11 +146,9 @@ TEST_F(EudoraSettingsTest, AFailedWriteStopsTheStoreAndIsOnlyLogged) {
   EXPECT_EQ(-1, agent->setRegistrySettings(CString("m"), CString("e"), 1, CString("a")));
   EXPECT_TRUE(CapturedLog::contains("Failed trying to set MailPath value\n"));
   EXPECT_FALSE(CapturedLog::contains("Failed trying to set ExePath value\n"));
-
   // Through the page, the host still hears that it may go on.
   const TukWindow page = openPage();
   type(page, kMailEdit, "m");
   EXPECT_EQ(1, entries().Validate(1));
 }
-
 } // namespace

@@ -2,15 +2,12 @@
 // known and asked for again until then.
 #include "platform/Shell.h"
 #include "tests/settings/SettingsFixture.h"
-
 #include <cstdio>
 
 namespace {
-
 class IconTest : public SettingsTest, public ::testing::WithParamInterface<Client> {
 protected:
   void SetUp() override { start(GetParam().key); }
-
   // The indices, as "small,large".
   std::string icons() {
     int32_t small = -1, large = -1;
@@ -37,7 +34,6 @@ TEST_P(IconTest, BothIndicesComeFromTheProgramFileAndAreKeptOnceKnown) {
   EXPECT_NE("0", first.substr(0, comma));
   EXPECT_EQ(first.substr(0, comma), first.substr(comma + 1)); // one icon, in both lists
   EXPECT_TRUE(CapturedLog::contains("Getting icons from [" + program + "]"));
-
   // Kept: neither the registry nor the program file is looked at again.
   std::remove(program.c_str());
   storeExePath(dir.file("elsewhere"));
@@ -50,7 +46,6 @@ TEST_P(IconTest, AMissingProgramGivesNoIconsAndIsAskedForAgain) {
   EXPECT_EQ("0,0", icons());
   EXPECT_EQ("0,0", icons());
   EXPECT_EQ(2u, shellAsked());
-
   // With no ExePath at all the shell is asked for the program at the root.
   std::remove(registryPath.c_str());
   EXPECT_EQ("0,0", icons());
@@ -73,5 +68,4 @@ TEST_P(IconTest, OneIndexOfTheTwoIsGivenAndBothAreAskedForNextTime) {
 
 INSTANTIATE_TEST_SUITE_P(Clients, IconTest, ::testing::ValuesIn(allClients()),
                          [](const auto &info) { return std::string(info.param.name); });
-
 } // namespace

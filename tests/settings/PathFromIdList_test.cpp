@@ -3,13 +3,10 @@
 #include "platform/Shell.h"
 #include "settings/PropPage.h"
 #include "tests/support/AgentSession.h"
-
+#include <cstring>
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 namespace {
-
 // A folder that names every list in the form the test asks for.
 class ScriptedFolder final : public IShellFolder {
 public:
@@ -31,7 +28,6 @@ public:
   }
   ULONG AddRef() override { return 1; }
   ULONG Release() override { return 1; }
-
   UINT form = STRRET_WSTR;
   HRESULT result = S_OK;
   DWORD lastFlags = 0;
@@ -58,5 +54,4 @@ TEST(PathFromIdListTest, EachFormGivesThePathAndEveryFailureLeavesItAlone) {
   folder.result = E_INVALIDARG;
   EXPECT_EQ("untouched", pathIn(&folder, STRRET_CSTR, 0));
 }
-
 } // namespace

@@ -6,29 +6,25 @@
 #include "resources/resource.h"
 #include "cmn/Registry.h"
 #include "platform/WinTypes.h"
-#include "tests/cmn/RegistryFixture.h"
+#include "tests/support/ScopedEnvironment.h"
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/LoadedAgent.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
-
 #include <memory>
 #include <ostream>
-#include <string>
 
 struct Client {
   const char *name;
   std::string key;     // the agent key
   const char *program; // the program file whose presence the page checks
-  UINT templateId;
   int width, height;    // the page template's size in dialog units
   UINT stateTextIds[7]; // by check state; 0 where a state can't occur
   UINT captionId;
   UINT mailPickerTitleId, exePickerTitleId;
   uint32_t exeHelpId, mailHelpId;
-  UINT displayNameId;
 };
 
 inline void PrintTo(const Client &client, std::ostream *out) {
@@ -39,14 +35,14 @@ inline void PrintTo(const Client &client, std::ostream *out) {
 inline std::vector<Client> allClients() {
   const std::string base = "Software\\Tuk\\Agents\\";
   return {
-      {"Eudora", base + "MHEudora", "eudora.exe", 130, 276, 151, {0, 31, 34, 0, 30, 69, 70}, 35,
-       32, 33, 1528, 1529, 25},
-      {"Internet", base + "MHInternet", "explorer.exe", 134, 300, 151, {0, 45, 48, 0, 44, 67, 68},
-       49, 46, 47, 203, 204, 41},
-      {"Netscape", base + "MHNetscape", "netscape.exe", 131, 302, 159, {0, 51, 54, 0, 50, 63, 64},
-       55, 52, 53, 205, 206, 38},
-      {"Pegasus", base + "MHPegasus", "winpm-32.exe", 135, 304, 162, {0, 57, 60, 0, 56, 65, 66},
-       61, 58, 59, 207, 208, 43},
+      {"Eudora", base + "MHEudora", "eudora.exe", 276, 151, {0, 31, 34, 0, 30, 69, 70}, 35, 32, 33,
+       1528, 1529},
+      {"Internet", base + "MHInternet", "explorer.exe", 300, 151, {0, 45, 48, 0, 44, 67, 68}, 49,
+       46, 47, 203, 204},
+      {"Netscape", base + "MHNetscape", "netscape.exe", 302, 159, {0, 51, 54, 0, 50, 63, 64}, 55,
+       52, 53, 205, 206},
+      {"Pegasus", base + "MHPegasus", "winpm-32.exe", 304, 162, {0, 57, 60, 0, 56, 65, 66}, 61, 58,
+       59, 207, 208},
   };
 }
 // clang-format on
@@ -66,7 +62,6 @@ protected:
     session.reset();
     tukFrameDestroy(frame);
   }
-
   // Brings the agent of `key` up, with its log on and captured.
   void start(const std::string &key) {
     CapturedLog::lines().clear();
@@ -74,7 +69,6 @@ protected:
     entries().setLogFlag(1);
   }
   const AgentEntryTable &entries() const { return session->entries(); }
-
   // The page of the agent in the frame, shown by the host unless asked not to.
   TukWindow openPage(bool show = true) {
     AgentHandle page = 0;
@@ -88,7 +82,6 @@ protected:
   static void type(TukWindow page, int id, const std::string &text) {
     ASSERT_EQ(0, tukWindowSetText(control(page, id), text.c_str()));
   }
-
   // A string registry value, or "<unread>".
   static std::string stored(const std::string &key, const char *name) {
     CString value("<unread>");
@@ -106,7 +99,6 @@ protected:
     text.LoadString(id);
     return text.GetString();
   }
-
   TempDir dir;
   const std::string registryPath = dir.file("registry.reg");
   ScopedEnvironment registry{"TUK_REGISTRY", registryPath};

@@ -5,20 +5,14 @@
 #include "store/Checksum.h"
 #include "store/FieldSearch.h"
 #include "store/MailMsg.h"
-#include "store/VectorWidth.h"
-#include "tests/support/LoadedAgent.h"
-
-#include <gtest/gtest.h>
-
+#include "tests/store/AtEachWidth.h"
+#include "tests/support/Reference.h"
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {
-
 using Bytes = std::vector<unsigned char>;
 
 Bytes randomBytes(std::mt19937 &random, size_t length, const std::string &alphabet) {
@@ -28,24 +22,6 @@ Bytes randomBytes(std::mt19937 &random, size_t length, const std::string &alphab
   return bytes;
 }
 
-// Each kernel is run at each vector width that this machine can take: the widest, SSE2,
-// and none. The width is restored when the test ends.
-class EachWidth {
-public:
-  EachWidth() = default;
-  EachWidth(const EachWidth &) = delete;
-  EachWidth &operator=(const EachWidth &) = delete;
-  ~EachWidth() { limitVectorWidth(VectorWidth::Widest); }
-  const std::vector<VectorWidth> &widths() const { return widths_; }
-  static VectorWidth set(VectorWidth width) {
-    limitVectorWidth(width);
-    return width;
-  }
-
-private:
-  std::vector<VectorWidth> widths_ = {VectorWidth::Widest, VectorWidth::Sse2, VectorWidth::None};
-};
-
 const unsigned char *bytesOf(const std::string &text) {
   return reinterpret_cast<const unsigned char *>(text.data());
 }
@@ -53,9 +29,7 @@ const unsigned char *bytesOf(const std::string &text) {
 // Every pattern's pair, over text made of the pattern's own bytes, from every start; the
 // buffer ends where the search may read no further, so that a sanitizer sees a read past it.
 TEST(FindPair, AgreesWithAPlaceByPlaceSearch) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  atEachWidth([] {
     std::mt19937 random(3);
     const std::vector<std::string> patterns = {
         std::string(reinterpret_cast<const char *>(kEudoraDelimiter), sizeof kEudoraDelimiter),
@@ -78,15 +52,13 @@ TEST(FindPair, AgreesWithAPlaceByPlaceSearch) {
         ASSERT_EQ(expected, findPair(bytes.data(), from, last, pair)) << pattern << " " << from;
       }
     }
-  }
+  });
 }
 
 // One match in a run of other bytes, at every place of every length up to a few vector
 // steps, searched from every start: the ends of the vector steps are where slips hide.
 TEST(FindPair, FindsALoneMatchAtEveryPlace) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  atEachWidth([] {
     const BytePair pair = rarestPair(kEudoraDelimiter, sizeof kEudoraDelimiter);
     const uint32_t reach = std::max(pair.rare, pair.other);
     for (uint32_t last = 0; last < 200; ++last) {
@@ -102,13 +74,11 @@ TEST(FindPair, FindsALoneMatchAtEveryPlace) {
         }
       }
     }
-  }
+  });
 }
 
 TEST(FindLineEnd, AgreesWithAByteLoop) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  atEachWidth([] {
     std::mt19937 random(5);
     for (int round = 0; round < 3000; ++round) {
       const Bytes bytes =
@@ -120,22 +90,16 @@ TEST(FindLineEnd, AgreesWithAByteLoop) {
         ++expected;
       ASSERT_EQ(expected, findLineEnd(bytes.data(), from, end));
     }
-  }
-}
-
-uint32_t referenceChecksum(const unsigned char *bytes, size_t length) {
-  return ::referenceChecksum(std::string(bytes, bytes + length));
+  });
 }
 
 TEST(ChecksumKernels, CopyAndSumAgreeWithByteAtATimeAtEveryLengthAndAlignment) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  // The reference's own documented values.
+  EXPECT_EQ(0x04030404u, referenceChecksum(std::string("\x01\x02\x03\x04\x05\x06", 6)));
+  EXPECT_EQ(0x64636261u, referenceChecksum("abcd"));
+  atEachWidth([] {
     std::mt19937 random(9);
-    const Bytes source = randomBytes(random, 5000,
-                                     std::string("\x00\x01\x7f\x80\xff"
-                                                 "abc",
-                                                 8));
+    const Bytes source = randomBytes(random, 5000, std::string("\x00\x01\x7f\x80\xff" "abc", 8));
     for (size_t offset = 0; offset < 8; ++offset) {
       for (size_t length = 0; length + offset <= source.size(); length += length < 300 ? 1 : 977) {
         const unsigned char *start = source.data() + offset;
@@ -147,10 +111,8 @@ TEST(ChecksumKernels, CopyAndSumAgreeWithByteAtATimeAtEveryLengthAndAlignment) {
         ASSERT_EQ(0xEE, target[length]) << "nothing is written behind the copy";
       }
     }
-  }
-}
-
-TEST(ChecksumKernels, APartTurnedByItsOffsetJoinsTheWhole) {
+  });
+  // A part turned by its offset joins the whole.
   std::mt19937 random(13);
   const Bytes bytes = randomBytes(random, 200, "abcdefghijklmnop\x01\xfe");
   const uint32_t whole = referenceChecksum(bytes.data(), bytes.size());
@@ -161,60 +123,24 @@ TEST(ChecksumKernels, APartTurnedByItsOffsetJoinsTheWhole) {
   }
 }
 
-// The header block's end as its definition reads: two CRs, or two LFs, counted without
-// regard to the other kind, any other byte setting both counts back.
-uint32_t referenceHeaderLength(const Bytes &bytes) {
-  const auto length = static_cast<uint32_t>(bytes.size());
-  uint32_t returns = 0, feeds = 0;
-  for (uint32_t i = 0; i < length; ++i) {
-    if (bytes[i] == '\n') {
-      if (++feeds >= 2)
-        return i + 1;
-    } else if (bytes[i] == '\r') {
-      if (++returns >= 2)
-        return (i + 1 < length && bytes[i + 1] == '\n') ? i + 2 : i + 1;
-    } else {
-      returns = feeds = 0;
-    }
-  }
-  return length;
-}
-
+// The range may end before the bytes do: what lies behind it must not count. (The places of
+// the definition's own cases: MailMsg.)
 TEST(HeaderLength, AgreesWithTheByteByByteScan) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  const CMailMsg probe;
+  atEachWidth([&] {
     std::mt19937 random(17);
-    const CMailMsg probe;
     for (int round = 0; round < 20000; ++round) {
       const Bytes bytes =
           randomBytes(random, random() % 150, round % 3 ? "\r\na" : "abcdefghijklmnopqrstuv\r\n");
-      // The range may end before the bytes do: what lies behind it must not count.
       const auto length = static_cast<uint32_t>(random() % (bytes.size() + 1));
-      ASSERT_EQ(referenceHeaderLength(Bytes(bytes.begin(), bytes.begin() + length)),
+      ASSERT_EQ(referenceHeaderLength(bytes.data(), length),
                 probe.getHeaderLength(bytes.data(), length));
     }
-  }
-}
-
-// findField's definition: the first place where the whole name stands, case aside.
-int32_t referenceFindField(const std::string &name, const Bytes &block, uint32_t searchLength) {
-  if (searchLength == 0 || name.size() > searchLength)
-    return -1;
-  for (uint32_t i = 0; i + name.size() <= searchLength; ++i) {
-    bool same = true;
-    for (size_t j = 0; j < name.size() && same; ++j)
-      same = std::tolower(block[i + j]) == std::tolower(static_cast<unsigned char>(name[j]));
-    if (same)
-      return static_cast<int32_t>(i + name.size() + 1);
-  }
-  return -1;
+  });
 }
 
 TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
-  EachWidth each;
-  for (const VectorWidth width : each.widths()) {
-    SCOPED_TRACE(static_cast<int>(EachWidth::set(width)));
+  atEachWidth([] {
     std::mt19937 random(19);
     const std::vector<std::vector<std::string>> nameSets = {
         {"\nDate:", "\nTo:", "\nFrom:", "\nSubject:", "\nCc:"},
@@ -236,9 +162,8 @@ TEST(FieldSearch, AgreesWithAPlaceByPlaceSearchForEveryName) {
       findFields(pointers.data(), static_cast<int>(names.size()), block.data(), searchLength,
                  indexes.data());
       for (size_t k = 0; k < names.size(); ++k)
-        ASSERT_EQ(referenceFindField(names[k], block, searchLength), indexes[k]) << k;
+        ASSERT_EQ(referenceFieldStart(names[k], block.data(), searchLength), indexes[k]) << k;
     }
-  }
+  });
 }
-
 } // namespace

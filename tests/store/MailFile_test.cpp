@@ -1,29 +1,25 @@
 // Cutting each client's mail files into messages: concrete framings, the Netscape line reader
 // against sscanf, each scan against a place-by-place reference over random mailboxes, and a
 // mailbox cut short under its mapping.
-#include "store/MailFile.h"
-
 #include "clients/Delimiters.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
 #include "clients/NSMFile.h"
 #include "clients/Pegasus.h"
 #include "clients/ScanFormat.h"
-#include "store/VectorWidth.h"
+#include "store/MailFile.h"
+#include "tests/store/AtEachWidth.h"
 #include "tests/support/AgentSession.h"
-#include "tests/support/LoadedAgent.h"
+#include "tests/support/Reference.h"
 #include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <random>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 #include <vector>
 
 namespace {
-
 using Ranges = std::vector<std::pair<uint32_t, uint32_t>>;
 
 const std::string kEudora(reinterpret_cast<const char *>(kEudoraDelimiter), 12);
@@ -48,19 +44,6 @@ protected:
     EXPECT_EQ(-1, file.nextMessage());
     return ranges;
   }
-  Ranges frameAs(char client, const std::string &bytes) {
-    switch (client) {
-    case 'e':
-      return frame<CEudoraMailFile>(bytes);
-    case 'i':
-      return frame<CInternetMailMailFile>(bytes);
-    case 'n':
-      return frame<CNetscapeMailFile>(bytes);
-    default:
-      return frame<CPegasusMailFile>(bytes);
-    }
-  }
-
   AgentSession session;
   TempDir dir;
 };
@@ -68,45 +51,46 @@ protected:
 TEST_F(MailFileTest, EachClientsDelimitersFrameTheMessages) {
   const std::string h(kPegasusFileHeaderSize, 'h'), text = "Subject: a\n\nbody\n"; // 17 bytes
   const std::string prose = "From here to there and back\nFrom x y z 12 01:02:03\n";
-  const struct {
-    char client;
-    std::string bytes;
-    Ranges expected;
-  } cases[] = {
-      {'e', kEudora + "text", {{12, 4}}},
-      {'e', "text" + kEudora + "two", {{0, 4}, {16, 3}}},
+  using Frame = Ranges (MailFileTest::*)(const std::string &);
+  const Frame e = &MailFileTest::frame<CEudoraMailFile>,
+              i = &MailFileTest::frame<CInternetMailMailFile>,
+              n = &MailFileTest::frame<CNetscapeMailFile>,
+              p = &MailFileTest::frame<CPegasusMailFile>;
+  const std::tuple<Frame, std::string, Ranges> cases[] = {
+      {e, kEudora + "text", {{12, 4}}},
+      {e, "text" + kEudora + "two", {{0, 4}, {16, 3}}},
       // Adjacent delimiters are both skipped: no empty message lies between them.
-      {'e', kEudora + kEudora + "x", {{24, 1}}},
+      {e, kEudora + kEudora + "x", {{24, 1}}},
       // A delimiter whose last byte ends the file belongs to the message in front of it.
-      {'e', "text" + kEudora, {{0, 16}}},
+      {e, "text" + kEudora, {{0, 16}}},
       // It counts in the middle of a line; near misses are text.
-      {'e', "line " + kEudora + "ab", {{0, 5}, {17, 2}}},
-      {'e', "from ???@???abcd", {{0, 16}}},
-      {'e', "From ???@??" "!abcd", {{0, 16}}},
+      {e, "line " + kEudora + "ab", {{0, 5}, {17, 2}}},
+      {e, "from ???@???abcd", {{0, 16}}},
+      {e, "From ???@?\?!abcd", {{0, 16}}},
       // Of 00 7F 00 7F 00 7F the first four are the delimiter; the message starts with 00 7F.
-      {'i', kInternet + std::string("\0\x7F" "ab", 4), {{4, 4}}},
-      {'i', kInternet + std::string("a\0b\0c", 5) + kInternet + "z", {{4, 5}, {13, 1}}},
-      {'p', h, {}},
-      {'p', "short", {}},
-      {'p', h + "x", {{128, 1}}},
-      {'p', h + kPegasus + "ab", {{131, 2}}},
-      {'p', h + "ab" + kPegasus, {{128, 5}}},
-      {'p', h + "a\n\nb", {{128, 4}}},
+      {i, kInternet + std::string("\0\x7F", 2) + "ab", {{4, 4}}},
+      {i, kInternet + std::string("a\0b\0c", 5) + kInternet + "z", {{4, 5}, {13, 1}}},
+      {p, h, {}},
+      {p, "short", {}},
+      {p, h + "x", {{128, 1}}},
+      {p, h + kPegasus + "ab", {{131, 2}}},
+      {p, h + "ab" + kPegasus, {{128, 5}}},
+      {p, h + "a\n\nb", {{128, 4}}},
       // A delimiter inside the file header is never seen.
-      {'p', kPegasus + h.substr(3) + "ab" + kPegasus + "c", {{128, 2}, {133, 1}}},
-      {'n', kLine + text, {{28, 17}}},
-      {'n', kLine + kLine + text, {{56, 17}}},
-      {'n', "text " + kLine + text, {{0, 5}, {33, 17}}},
+      {p, kPegasus + h.substr(3) + "ab" + kPegasus + "c", {{128, 2}, {133, 1}}},
+      {n, kLine + text, {{28, 17}}},
+      {n, kLine + kLine + text, {{56, 17}}},
+      {n, "text " + kLine + text, {{0, 5}, {33, 17}}},
       // Lines that only start with "From" are text.
-      {'n', kLine + prose + text, {{28, prose.size() + 17}}},
+      {n, kLine + prose + text, {{28, prose.size() + 17}}},
       // At the end of the file: with 30 bytes or more a delimiter line, and the last message
       // is empty; shorter, it fails the quick test; without a line feed, it is text.
-      {'n', "abc\nFrom xx yy zz 12 01:02:03 1998\n", {{0, 4}, {35, 0}}},
-      {'n', "abc\n" + kLine, {{0, 32}}},
-      {'n', "abc\nFrom x y z 12 01:02:03 1998 no end", {{0, 38}}},
+      {n, "abc\nFrom xx yy zz 12 01:02:03 1998\n", {{0, 4}, {35, 0}}},
+      {n, "abc\n" + kLine, {{0, 32}}},
+      {n, "abc\nFrom x y z 12 01:02:03 1998 no end", {{0, 38}}},
   };
-  for (const auto &c : cases)
-    EXPECT_EQ(c.expected, frameAs(c.client, c.bytes)) << c.client << ": " << c.bytes;
+  for (const auto &[client, bytes, expected] : cases)
+    EXPECT_EQ(expected, (this->*client)(bytes)) << bytes;
 }
 
 int scan(const std::string &line) {
@@ -229,13 +213,10 @@ std::string randomMailbox(std::mt19937 &random, const std::string &delimiter) {
   return bytes.empty() ? "x" : bytes; // a file of zero bytes can't be mapped
 }
 
-// At each vector width this machine can take; the widest is restored at the end.
 TEST_F(MailFileTest, EveryScanFramesAsThePlaceByPlaceReference) {
   std::mt19937 random(23);
   const std::string netscape = "From - Thu Jan 15 10:30:45 1998\n";
-  for (const VectorWidth width : {VectorWidth::Widest, VectorWidth::Sse2, VectorWidth::None}) {
-    limitVectorWidth(width);
-    SCOPED_TRACE(static_cast<int>(width));
+  atEachWidth([&] {
     for (int round = 0; round < 150; ++round) {
       std::string bytes = randomMailbox(random, kEudora);
       ASSERT_EQ(referenceFrames(bytes, kEudora, 0), frame<CEudoraMailFile>(bytes)) << round;
@@ -249,8 +230,7 @@ TEST_F(MailFileTest, EveryScanFramesAsThePlaceByPlaceReference) {
         ASSERT_EQ(referenceFrames(bytes, "", 0, true), frame<CNetscapeMailFile>(bytes));
       }
     }
-  }
-  limitVectorWidth(VectorWidth::Widest);
+  });
 }
 
 TEST_F(MailFileTest, AMailboxCutShortUnderItsMappingFailsThatMessageOnly) {
@@ -269,5 +249,4 @@ TEST_F(MailFileTest, AMailboxCutShortUnderItsMappingFailsThatMessageOnly) {
   ASSERT_NE(nullptr, head);
   EXPECT_EQ(referenceChecksum(std::string(100, 'a')), head->checksum);
 }
-
 } // namespace

@@ -1,38 +1,26 @@
 // The property block of a message and the table of property names.
-#include "store/MailProps.h"
-
 #include "store/MailMsg.h"
+#include "store/MailProps.h"
 #include "tests/support/AgentSession.h"
-
+#include <cstring>
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 namespace {
-
 // The block as a host reads it: little-endian words aligned on 4 from the start, strings as
 // a count with the terminator, the bytes and the terminator.
-class ExpectedBlock {
-public:
+struct ExpectedBlock {
   ExpectedBlock &word(uint32_t value) {
-    align();
+    bytes.resize((bytes.size() + 3) & ~size_t{3}); // zeros up to the next multiple of 4
     for (int i = 0; i < 4; ++i)
       bytes.push_back(static_cast<unsigned char>(value >> (8 * i)));
     return *this;
   }
   ExpectedBlock &text(const std::string &value) {
     word(static_cast<uint32_t>(value.size() + 1));
-    bytes.insert(bytes.end(), value.begin(), value.end());
-    bytes.push_back(0);
+    bytes.insert(bytes.end(), value.c_str(), value.c_str() + value.size() + 1);
     return *this;
   }
   std::vector<unsigned char> bytes;
-
-private:
-  void align() {
-    while (bytes.size() % 4)
-      bytes.push_back(0);
-  }
 };
 
 std::vector<unsigned char> blockFor(const std::string &subject, const std::string &location,
@@ -71,17 +59,13 @@ protected:
     block.resize(used);
     return block;
   }
-
   AgentSession session;
 };
 
-TEST_F(MailPropsTest, MessageWithoutFieldsStillGivesSevenProperties) {
+TEST_F(MailPropsTest, SevenPropertiesWithSubjectAndSenderTwice) {
   const std::vector<unsigned char> block = properties("x\n\nbody", "/m");
   EXPECT_EQ(168u, block.size());
   EXPECT_EQ(blockFor("", "/m", "", "", ""), block);
-}
-
-TEST_F(MailPropsTest, EveryFieldGoesOutAndSubjectAndSenderTwice) {
   const std::string text = "x\nSubject: Hi there\nTo: to@x\nFrom: Ann <a@x>\nCc: c@x\n\nbody";
   EXPECT_EQ(blockFor("Hi there", "/mail/In.mbx", "to@x", "Ann <a@x>", "c@x"),
             properties(text, "/mail/In.mbx"));
@@ -108,5 +92,4 @@ TEST_F(MailPropsTest, NameTableHoldsPointersIntoItself) {
   }
   EXPECT_EQ(0xEE, table[expectedSize]);
 }
-
 } // namespace

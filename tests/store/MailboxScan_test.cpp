@@ -1,15 +1,14 @@
 // The tree walk and the pairing of mail files with control files.
 #include "store/MFNList.h"
-
 #include "tests/support/AgentSession.h"
 #include "tests/support/TestFiles.h"
-
 #include <gtest/gtest.h>
-
+#include <iterator>
+#include <sstream>
+#include <tuple>
 #include <vector>
 
 namespace {
-
 using Names = std::vector<std::string>;
 
 // The list's elements, with the folder `root` written as "~".
@@ -21,6 +20,12 @@ Names elements(const CStringList &list, const std::string &root) {
                                                           : text);
   }
   return out;
+}
+
+// The words of `text`.
+Names split(const std::string &text) {
+  std::istringstream words(text);
+  return Names(std::istream_iterator<std::string>(words), {});
 }
 
 class MailboxScanTest : public ::testing::Test {
@@ -43,52 +48,36 @@ TEST_F(MailboxScanTest, WalkListsLevelByLevel) {
 }
 
 TEST_F(MailboxScanTest, MailFilesPairWithAControlFileOfTheirStem) {
-  const struct {
-    const char *why;
-    Names files; // "name/" is a folder
-    const char *mailExt, *ctrlExt;
-    Names expected;
-  } cases[] = {
-      {"by stem without regard to case, named as on disk",
-       {"IN.MBX", "in.toc", "Out.mbx", "Out.Toc", "Lone.mbx", "Orphan.toc", "work/In.mbx",
-        "home/In.toc"},
-       ".MBX",
-       ".TOC",
-       {"~/IN.MBX"}},
-      {"in the control files' order, each mail file once",
-       {"b.mbx", "a.mbx", "a.toc", "b.toc", "b.TOC"},
-       ".mbx",
-       ".toc",
-       {"~/a.mbx", "~/b.mbx"}},
-      {"an empty mail extension takes files without one",
-       {"Inbox", "Inbox.snm", "Sent", "Drafts.snm", "Archive.sbd/1998", "Archive.sbd/1998.SNM"},
-       "",
-       ".SNM",
-       {"~/Inbox", "~/Archive.sbd/1998"}},
-      {"the control extension is found anywhere in the name",
-       {"notes.toc.bak", "notes.toc.mbx", "old.toc.mbx"},
-       ".mbx",
-       ".toc",
-       {"~/notes.toc.mbx", "~/old.toc.mbx"}},
-      {"a folder with the mail extension is no mail file",
-       {"a.toc", "x.mbx/", "x.toc"},
-       ".mbx",
-       ".toc",
-       {}},
+  // The two extensions, the store's files ("name/" is a folder), the mail files paired.
+  const std::tuple<const char *, const char *, const char *, const char *> cases[] = {
+      // By stem without regard to case, named as on disk.
+      {".MBX", ".TOC", "IN.MBX in.toc Out.mbx Out.Toc Lone.mbx Orphan.toc work/In.mbx home/In.toc",
+       "~/IN.MBX"},
+      // In the control files' order, each mail file once.
+      {".mbx", ".toc", "b.mbx a.mbx a.toc b.toc b.TOC", "~/a.mbx ~/b.mbx"},
+      // An empty mail extension takes files without one.
+      {"", ".SNM", "Inbox Inbox.snm Sent Drafts.snm Archive.sbd/1998 Archive.sbd/1998.SNM",
+       "~/Inbox ~/Archive.sbd/1998"},
+      // The control extension is found anywhere in the name.
+      {".mbx", ".toc", "notes.toc.bak notes.toc.mbx old.toc.mbx", "~/notes.toc.mbx ~/old.toc.mbx"},
+      // A folder with the mail extension is no mail file; nor one without an extension, not
+      // even by the "." entry a ".snm" in it would pair.
+      {".mbx", ".toc", "a.toc x.mbx/ x.toc", ""},
+      {"", ".SNM", "Inbox Inbox.snm Box/.snm Box.snm", "~/Inbox"},
   };
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.why);
+  for (const auto &[mailExt, ctrlExt, files, paired] : cases) {
+    SCOPED_TRACE(files);
     TempDir store;
-    for (const std::string &file : c.files)
+    for (const std::string &file : split(files))
       if (file.back() == '/')
         makeDirs(store.file(file));
       else
         writeFile(store.file(file), "x");
     CMailFilenameList list;
-    EXPECT_EQ(static_cast<int>(c.expected.size()),
-              list.findMailboxes(store.path().c_str(), c.mailExt, c.ctrlExt));
-    EXPECT_EQ(c.expected, elements(list, store.path()));
+    const Names expected = split(paired);
+    EXPECT_EQ(static_cast<int>(expected.size()),
+              list.findMailboxes(store.path().c_str(), mailExt, ctrlExt));
+    EXPECT_EQ(expected, elements(list, store.path()));
   }
 }
-
 } // namespace

@@ -1,9 +1,8 @@
 // An agent brought up in the test process.
 #include "tests/support/AgentSession.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 
 AgentSession::AgentSession(const std::string &agentKey, const std::string &language,
                            LogSink sink) {

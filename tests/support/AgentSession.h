@@ -14,10 +14,7 @@ public:
   AgentSession(const AgentSession &) = delete;
   AgentSession &operator=(const AgentSession &) = delete;
   ~AgentSession();
-
   const AgentEntryTable &entries() const { return *result_.entryTable; }
-  const char *agentName() const { return result_.agentName; }
-  const AgentResult &result() const { return result_; }
 
 private:
   // Code under test runs as inside an entry: with the agent's module state current.
@@ -31,7 +28,6 @@ public:
   explicit RecordBuffer(size_t capacity = 4096);
   RecordBuffer(const std::string &path, uint32_t offset, uint32_t length, uint32_t checksum,
                int32_t stamp = 0);
-
   ObjectRecord *get() { return reinterpret_cast<ObjectRecord *>(bytes_.data()); }
   const ObjectRecord *get() const { return reinterpret_cast<const ObjectRecord *>(bytes_.data()); }
   ObjectRecord *operator->() { return get(); }

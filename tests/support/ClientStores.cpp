@@ -4,7 +4,6 @@
 #include "tests/support/TestFiles.h"
 
 namespace {
-
 bool usesCrLf(const std::string &client) {
   return client == "eudora" || client == "internet";
 }
@@ -27,7 +26,6 @@ std::string messageText(const std::string &client, const TestMessage &message) {
   text += "Subject: " + message.subject + "\n\n" + message.body;
   return withLineEnds(text, usesCrLf(client) ? "\r\n" : "\n");
 }
-
 } // namespace
 
 std::string bodyOf(const std::string &client, const TestMessage &message) {

@@ -3,12 +3,10 @@
 
 #include "tests/support/AgentSession.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 namespace {
-
 int32_t find(const AgentEntryTable &e, bool first, AgentHandle &search, KeptRecord &record) {
   RecordBuffer buffer;
   int32_t time = 0;
@@ -21,7 +19,6 @@ int32_t find(const AgentEntryTable &e, bool first, AgentHandle &search, KeptReco
   }
   return status;
 }
-
 } // namespace
 
 int32_t findFirst(const AgentEntryTable &e, AgentHandle &search, KeptRecord &record) {
@@ -47,19 +44,30 @@ StoreWalk walkRecords(const AgentEntryTable &e, size_t limit) {
   return result;
 }
 
-int32_t reopen(const AgentEntryTable &e, const KeptRecord &record, std::string *body) {
+int32_t openRecord(const AgentEntryTable &e, const KeptRecord &record, AgentHandle &object) {
   RecordBuffer buffer(record.path, record.offset, record.length, record.checksum, record.stamp);
-  AgentHandle object = 0;
   int32_t time = 0;
-  const int32_t status = e.openObject(&object, buffer.get(), &time);
-  if (status != StatusOk)
-    return status;
+  return e.openObject(&object, buffer.get(), &time);
+}
+
+std::string readAndClose(const AgentEntryTable &e, AgentHandle object) {
+  std::string body;
   char piece[4096];
   uint32_t got = 0;
   while (e.readObject(object, piece, sizeof piece, &got) == StatusOk)
-    if (body)
-      body->append(piece, got);
+    body.append(piece, got);
   EXPECT_EQ(StatusOk, e.closeObject(object));
+  return body;
+}
+
+int32_t reopen(const AgentEntryTable &e, const KeptRecord &record, std::string *body) {
+  AgentHandle object = 0;
+  const int32_t status = openRecord(e, record, object);
+  if (status == StatusOk) {
+    const std::string read = readAndClose(e, object);
+    if (body)
+      *body += read;
+  }
   return status;
 }
 

@@ -27,6 +27,10 @@ int32_t findFirst(const AgentEntryTable &entries, AgentHandle &search, KeptRecor
 int32_t findNext(const AgentEntryTable &entries, AgentHandle search, KeptRecord &record);
 // The whole walk, at most `limit` records, closing the search when one was open.
 StoreWalk walkRecords(const AgentEntryTable &entries, size_t limit = 1000000);
+// Opens the record; the status of openObject, which gives `object` on 0.
+int32_t openRecord(const AgentEntryTable &entries, const KeptRecord &record, AgentHandle &object);
+// Reads an open object's body to the end, then closes it.
+std::string readAndClose(const AgentEntryTable &entries, AgentHandle object);
 // Opens the record and reads its body to the end; the status of openObject.
 int32_t reopen(const AgentEntryTable &entries, const KeptRecord &record,
                std::string *body = nullptr);

@@ -1,11 +1,10 @@
 // tuk_mhmail.so loaded as a host loads it.
 #include "tests/support/LoadedAgent.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdarg>
 #include <cstdio>
 #include <dlfcn.h>
+#include <gtest/gtest.h>
 
 std::string LoadedAgent::libraryPath() { return std::string(TUK_BIN_DIR) + "/tuk_mhmail.so"; }
 
@@ -56,11 +55,4 @@ bool CapturedLog::contains(const std::string &text) {
     if (line.find(text) != std::string::npos)
       return true;
   return false;
-}
-
-uint32_t referenceChecksum(const std::string &bytes) {
-  uint32_t sum = 0;
-  for (size_t i = 0; i < bytes.size(); ++i)
-    sum ^= static_cast<uint32_t>(static_cast<unsigned char>(bytes[i])) << (8 * (i % 4));
-  return sum;
 }

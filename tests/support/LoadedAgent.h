@@ -12,7 +12,6 @@ public:
   LoadedAgent(const LoadedAgent &) = delete;
   LoadedAgent &operator=(const LoadedAgent &) = delete;
   ~LoadedAgent();
-
   // Calls initAgent; the entry table and name of the result are kept.
   AgentResult init(const std::string &agentKey, const std::string &language = "EN",
                    LogSink sink = nullptr);
@@ -31,6 +30,3 @@ struct CapturedLog {
   static std::vector<std::string> &lines();
   static bool contains(const std::string &text);
 };
-
-// The checksum a host expects: byte i XORed in at shift 8 * (i mod 4).
-uint32_t referenceChecksum(const std::string &bytes);

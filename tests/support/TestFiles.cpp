@@ -1,15 +1,14 @@
 // Files and folders for tests.
 #include "tests/support/TestFiles.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
-#include <ftw.h>
+#include <gtest/gtest.h>
 #include <sstream>
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -24,40 +23,40 @@ TempDir::TempDir() {
   path_ = pattern;
 }
 
-static int removeEntry(const char *path, const struct stat *, int, struct FTW *) {
-  // Folders a test made unreadable must be readable again to be removed.
-  chmod(path, 0700);
-  return ::remove(path);
+namespace {
+// Removes `path` and all below it; folders a test made unreadable are made readable first.
+void removeTree(const std::filesystem::path &path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(std::filesystem::symlink_status(path, ignored))) {
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all,
+                                 std::filesystem::perm_options::add, ignored);
+    for (const auto &entry : std::filesystem::directory_iterator(path, ignored))
+      removeTree(entry.path());
+  }
+  std::filesystem::remove(path, ignored);
 }
+} // namespace
 
 TempDir::~TempDir() {
-  if (path_.empty())
-    return;
-  // Restore permissions top-down first so that the depth-first removal can enter everything.
-  nftw(path_.c_str(), [](const char *p, const struct stat *s, int type, struct FTW *) {
-         if (type == FTW_D || type == FTW_DNR)
-           chmod(p, 0700);
-         (void)s;
-         return 0;
-       }, 32, FTW_PHYS);
-  nftw(path_.c_str(), removeEntry, 32, FTW_DEPTH | FTW_PHYS);
+  if (!path_.empty())
+    removeTree(path_);
 }
 
 std::string TempDir::file(const std::string &relative) const { return path_ + "/" + relative; }
 
+std::string repeated(const std::string &unit, size_t times) {
+  std::string bytes;
+  bytes.reserve(unit.size() * times);
+  while (times-- > 0)
+    bytes += unit;
+  return bytes;
+}
+
 void makeDirs(const std::string &path) {
-  std::string partial;
-  std::stringstream parts(path);
-  std::string part;
-  if (!path.empty() && path[0] == '/')
-    partial = "/";
-  while (std::getline(parts, part, '/')) {
-    if (part.empty())
-      continue;
-    partial += part + "/";
-    if (mkdir(partial.c_str(), 0755) != 0 && errno != EEXIST)
-      ADD_FAILURE() << "mkdir " << partial << ": " << std::strerror(errno);
-  }
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  if (error)
+    ADD_FAILURE() << "mkdir " << path << ": " << error.message();
 }
 
 static void writeWithMode(const std::string &path, const std::string &bytes,

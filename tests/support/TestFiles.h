@@ -1,9 +1,10 @@
 // Files and folders for tests: a temporary folder that removes itself, and whole-file I/O;
-// and a child process for what could crash or hang the test program.
+// and a child process or a time bound for what could crash or hang the test program.
 #pragma once
 
 #include <functional>
 #include <string>
+#include <unistd.h>
 
 class TempDir {
 public:
@@ -11,7 +12,6 @@ public:
   TempDir(const TempDir &) = delete;
   TempDir &operator=(const TempDir &) = delete;
   ~TempDir();
-
   const std::string &path() const { return path_; }
   // path() + "/" + relative
   std::string file(const std::string &relative) const;
@@ -19,6 +19,9 @@ public:
 private:
   std::string path_;
 };
+
+// `unit`, `times` over.
+std::string repeated(const std::string &unit, size_t times);
 
 // Writes `bytes` to `path`, making missing parent folders. Fails the test on error.
 void writeFile(const std::string &path, const std::string &bytes);
@@ -31,9 +34,18 @@ void setFileTime(const std::string &path, long seconds);
 // True while this process has a mapping of the file at `path`.
 bool isMappedInThisProcess(const std::string &path);
 
-// Runs `body` in a child process that exits with what it returns (by _exit: nothing of the
-// test program's clean-up runs there) or dies of SIGALRM after `seconds` (0: never); the wait
-// status.
+// Runs `body` in a child process that exits with what it returns (by _exit: nothing of the test
+// program's clean-up runs there) or dies of SIGALRM after `seconds` (0: never); the wait status.
 int runInChild(const std::function<int()> &body, unsigned seconds);
 // "exit N", or "signal N", for a wait status.
 std::string describeStatus(int status);
+
+// A bound on a test that could hang: the process dies of SIGALRM when the scope lasts too
+// long, which fails the test instead of stalling the run.
+class Watchdog {
+public:
+  explicit Watchdog(unsigned seconds) { alarm(seconds); }
+  Watchdog(const Watchdog &) = delete;
+  Watchdog &operator=(const Watchdog &) = delete;
+  ~Watchdog() { alarm(0); }
+};

@@ -1,12 +1,10 @@
-// ACDR: the exact bytes a host reads, in both byte orders, and the bounds of a small buffer.
+// ACDR: the exact bytes a host reads, and the bounds of a small buffer. (A property block's
+// bytes as a whole: store/MailProps.)
 #include "cmn/Acdr.h"
-
 #include <gtest/gtest.h>
-
 #include <vector>
 
 namespace {
-
 using Bytes = std::vector<unsigned char>;
 
 // A property in little: the count, a name, an empty value and a type code. The empty string
@@ -22,10 +20,6 @@ Bytes encode(void (*write)(ACDR &), int byteOrder, unsigned int size) {
   write(out);
   buffer.resize(out.getUsed());
   return buffer;
-}
-
-TEST(AcdrTest, WritesLongsAndStringsAligned) {
-  EXPECT_EQ(kLittleEndianSample, encode(writeSample, 1, 64));
 }
 
 TEST(AcdrTest, LongsAreThirtyTwoBitsAndStringsEndAtTheirFirstZero) {
@@ -53,13 +47,11 @@ TEST(AcdrTest, SmallBufferGetsNothingPastItsEndAndGetUsedCountsAll) {
       }
     }
     // A string that does not fit whole leaves even its count unwritten.
-    if (size >= 8 && size < 16) {
-      EXPECT_EQ(Bytes(4, kUntouched), Bytes(buffer.begin() + 4, buffer.begin() + 8));
-    }
+    EXPECT_TRUE((size < 8 || size >= 16) ||
+                Bytes(4, kUntouched) == Bytes(buffer.begin() + 4, buffer.begin() + 8));
   }
   ACDR sizing(nullptr, 0, 0, 1, 0);  // how a host learns the size it needs
   writeSample(sizing);
   EXPECT_EQ(full, sizing.getUsed());
 }
-
 }  // namespace

@@ -1,19 +1,28 @@
 // Language modules: LoadLibraryA finds them beside the current module, their strings and
-// templates win, what they lack comes from the current module, and FreeLibrary lets go.
-#include "tests/resources/AgentModule.h"
-
+// templates win, what they lack comes from the current module, the agent's own table, and
+// FreeLibrary lets go.
 #include "platform/CString.h"
 #include "platform/Files.h"
+#include "platform/Resources.h"
 #include "tests/support/TestFiles.h"
-
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <cstdlib>
+#include <cstring>
+#include <gtest/gtest.h>
 #include <memory>
 #include <thread>
 
+extern const ResourceTable agentResourceTable;
+
 namespace {
+// The agent's table as a module of this program, which lies in the build's output directory
+// beside the language modules.
+CModule agentTestModule = {&agentResourceTable, &agentTestModule, nullptr};
+
+// The text of a string entry, zero bytes included; "<none>" when there is none.
+std::string textOf(const ResourceString *entry) {
+  return entry != nullptr ? std::string(entry->text, entry->length) : std::string("<none>");
+}
 
 // The test module built from testlang.rc: tuk_mhmailXX.so in the build's output directory.
 const char kTestModule[] = "tuk_mhmailXX";
@@ -35,10 +44,24 @@ std::string directoryOf(const void *anchor) {
   return realPath(moduleDirectory(anchor, buffer, sizeof buffer));
 }
 
+// The agent's state made current, owning its table, as an entry of the agent makes it.
 class LanguageModule : public testing::Test {
 protected:
-  AgentStateScope agent;  // the instance: this program, beside the test module
+  AFX_MODULE_STATE state_ = {&agentTestModule, &agentTestModule, nullptr};
+  AFX_MAINTAIN_STATE agent_{&state_};
 };
+
+TEST(AgentStrings, IdsOneToSeventyAreThereInOrder) {
+  ASSERT_EQ(agentResourceTable.stringCount, 70u);
+  for (uint32_t i = 0; i < agentResourceTable.stringCount; ++i) {
+    const ResourceString &entry = agentResourceTable.strings[i];
+    EXPECT_EQ(entry.id, i + 1);
+    EXPECT_EQ(entry.length, std::strlen(entry.text)) << "id " << entry.id;
+    EXPECT_EQ(findString(&agentTestModule, entry.id), &entry);
+  }
+  EXPECT_EQ(findString(&agentTestModule, 0), nullptr);
+  EXPECT_EQ(findString(&agentTestModule, 71), nullptr);
+}
 
 TEST_F(LanguageModule, LoadsOnlyFromTheDirectoryOfTheCurrentInstance) {
   const LoadedModule module = load(kTestModule);
@@ -48,7 +71,6 @@ TEST_F(LanguageModule, LoadsOnlyFromTheDirectoryOfTheCurrentInstance) {
   EXPECT_EQ(directoryOf(module->anchor), realPath(TUK_BIN_DIR));
   // A name whose last part has a dot is taken as it is.
   EXPECT_NE(load(std::string(kTestModule) + ".so"), nullptr);
-
   TempDir elsewhere;
   writeFile(elsewhere.file("tuk_mhmailYY.so"),
             readFile(std::string(TUK_BIN_DIR) + "/" + kTestModule + ".so"));
@@ -62,12 +84,10 @@ TEST_F(LanguageModule, LoadsOnlyFromTheDirectoryOfTheCurrentInstance) {
   EXPECT_EQ(load(kTestModule), nullptr);
 }
 
-// A thread with no instance looks beside the platform library.
 TEST(LanguageModuleWithoutInstance, LooksBesideThePlatformLibrary) {
   std::thread([] { EXPECT_NE(load(kTestModule), nullptr); }).join();
 }
 
-// What the module has wins; what it lacks comes from the instance.
 TEST_F(LanguageModule, StringsAndTemplatesComeFromTheModuleElseFromTheInstance) {
   const LoadedModule module = load(kTestModule);
   ASSERT_NE(module, nullptr);
@@ -85,7 +105,6 @@ TEST_F(LanguageModule, StringsAndTemplatesComeFromTheModuleElseFromTheInstance) 
   AfxSetResourceHandle(nullptr); // then the instance's own table answers
   EXPECT_TRUE(text.LoadString(25));
   EXPECT_EQ(text, "Eudora Mail");
-
   const DialogTemplate *view = findDialog(module.get(), 133);
   ASSERT_NE(view, nullptr);
   EXPECT_STREQ(view->caption, "XX View");
@@ -95,11 +114,7 @@ TEST_F(LanguageModule, StringsAndTemplatesComeFromTheModuleElseFromTheInstance) 
   EXPECT_EQ(view->items[1].style, 0x40000004u) << std::hex << view->items[1].style;
   EXPECT_EQ(findDialog(module.get(), 130), findDialog(&agentTestModule, 130));
   EXPECT_EQ(findDialog(module.get(), 132), nullptr);
-}
-
-TEST_F(LanguageModule, EscapesCommentsAndRawBytesSurviveCompilation) {
-  const LoadedModule module = load(kTestModule);
-  ASSERT_NE(module, nullptr);
+  // Escapes, comments and raw bytes survive the compilation.
   const char escapes[] = "tab\there\nnl\rcr\\bs\"q\"dqAA\0end";
   EXPECT_EQ(textOf(findString(module.get(), 900)), std::string(escapes, sizeof escapes - 1));
   EXPECT_EQ(textOf(findString(module.get(), 901)), "// is text /* and so is this */");
@@ -120,5 +135,4 @@ TEST_F(LanguageModule, FreeLibraryReleasesOnlyWhatLoadLibraryLoaded) {
   // The state no longer points at the released module.
   EXPECT_EQ(AfxGetResourceHandle(), &agentTestModule);
 }
-
 }  // namespace

@@ -1,11 +1,31 @@
 // Registry values: the file format, lookups, and what a write leaves of the rest of the file.
-#include "tests/cmn/RegistryFixture.h"
-
+#include "cmn/Registry.h"
+#include "platform/FilesFaults.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TestFiles.h"
+#include <cerrno>
+#include <gtest/gtest.h>
 #include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
+// Each test gets a registry file of its own, named by $TUK_REGISTRY.
+class RegistryTest : public ::testing::Test {
+protected:
+  // The string or integer under `key`, or a marker that the read failed.
+  static std::string readString(const char *key, const char *name) {
+    CString value("<unread>");
+    return GetRegValue(key, name, value) ? std::string(value.bytes()) : "<unread>";
+  }
+  static std::optional<int32_t> readNumber(const char *key, const char *name) {
+    int32_t value = 0;
+    return GetRegValue(key, name, &value) ? std::optional<int32_t>(value) : std::nullopt;
+  }
+  TempDir dir_;
+  const std::string registry_ = dir_.file("registry.reg");
+  ScopedEnvironment registryVariable_{"TUK_REGISTRY", registry_};
+};
 
 const char kKey[] = "Software\\Tuk\\MHEudora";
 const std::string kHeader = "Windows Registry Editor Version 5.00\n\n";
@@ -17,19 +37,14 @@ TEST_F(RegistryTest, MissingFileIsEmptyAndWritesMakeFileAndFolders) {
   EXPECT_EQ(0, GetRegValue(kKey, "Attachments", &number));
   EXPECT_EQ("default", text.bytes());
   EXPECT_EQ(7, number);
-
   const std::string nested = dir_.file("not/yet/there/registry.reg");
   ScopedEnvironment moved("TUK_REGISTRY", nested);
   ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString("/home/ann/mail")));
   ASSERT_NE(0, SetRegValue(kKey, "Attachments", 1));
   ASSERT_NE(0, SetRegValue("Software\\Tuk\\MHEudoraFile", "Attachments", -1));
-  EXPECT_EQ(kHeader +
-                "[Software\\Tuk\\MHEudora]\n"
-                "\"MailPath\"=\"/home/ann/mail\"\n"
-                "\"Attachments\"=dword:00000001\n"
-                "\n"
-                "[Software\\Tuk\\MHEudoraFile]\n"
-                "\"Attachments\"=dword:ffffffff\n",
+  EXPECT_EQ(kHeader + "[Software\\Tuk\\MHEudora]\n\"MailPath\"=\"/home/ann/mail\"\n"
+                      "\"Attachments\"=dword:00000001\n\n[Software\\Tuk\\MHEudoraFile]\n"
+                      "\"Attachments\"=dword:ffffffff\n",
             readFile(nested));
   EXPECT_EQ(std::optional<int32_t>(-1), readNumber("Software\\Tuk\\MHEudoraFile", "Attachments"));
 }
@@ -40,11 +55,9 @@ TEST_F(RegistryTest, StringsKeepEveryByteThroughEscapes) {
   EXPECT_EQ(awkward, readString(kKey, "odd\"name\\"));
   EXPECT_NE(std::string::npos,
             readFile(registry_).find("\"odd\\\"name\\\\\"=\"C:\\\\mail\\\\\\\"box\\\"\\\\ Gr"));
-
   // A backslash before any other byte stands for itself, as files written by hand have it.
   appendFile(registry_, "\"Dir\"=\"C:\\temp\\new\\\\x\"\n");
   EXPECT_EQ("C:\\temp\\new\\x", readString(kKey, "Dir"));
-
   // The format has no line breaks inside a value: such a write fails and changes nothing.
   const std::string before = readFile(registry_);
   EXPECT_EQ(0, SetRegValue(kKey, "Injected", CString("x\"\n[Other]")));
@@ -69,11 +82,9 @@ TEST_F(RegistryTest, StringsAndIntegersDoNotReadAsEachOther) {
   EXPECT_EQ(0, GetRegValue(kKey, "Number", text));
   EXPECT_EQ(5, number);
   EXPECT_EQ("kept", text.bytes());
-
   // A write of the other type replaces the value.
   ASSERT_NE(0, SetRegValue(kKey, "Text", 3));
   EXPECT_EQ(std::optional<int32_t>(3), readNumber(kKey, "Text"));
-
   writeFile(registry_, kHeader + "[K]\n\"Short\"=dword:2a\n\"Max\"=DWORD:FFFFFFFF\n"
                                  "\"Nine\"=dword:123456789\n\"None\"=dword:\n"
                                  "\"Junk\"=dword:12g4\n");
@@ -85,29 +96,17 @@ TEST_F(RegistryTest, StringsAndIntegersDoNotReadAsEachOther) {
 }
 
 TEST_F(RegistryTest, LinesNotUnderstoodSurviveWritesByteForByte) {
-  const std::string head = "Windows Registry Editor Version 5.00\r\n"
-                           "\r\n"
-                           "; settings of the mail agent\r\n"
-                           "[HKEY_CURRENT_USER\\Other]\r\n"
-                           "@=\"default value\"\r\n"
-                           "\"Other\"=\"x\"\r\n"
-                           "\r\n"
-                           "[Software\\Tuk\\MHEudora]\r\n"
-                           "\"MailPath\"=\"";
-  const std::string middle = "\"\r\n"
-                             "garbage without quotes\n"
-                             "\"Broken\"=\"no closing quote\r\n"
-                             "\"Blob\"=hex:01,02,\\\r\n"
-                             "  03,04";
-  const std::string tail = "\r\n"
-                           "\r\n"
-                           "; the next key\r\n"
-                           "[HKEY_CURRENT_USER\\Other]\r\n"
-                           "\"Tail\"=dword:00000001";
+  const std::string head =
+      "Windows Registry Editor Version 5.00\r\n\r\n; settings of the mail agent\r\n"
+      "[HKEY_CURRENT_USER\\Other]\r\n@=\"default value\"\r\n\"Other\"=\"x\"\r\n\r\n"
+      "[Software\\Tuk\\MHEudora]\r\n\"MailPath\"=\"";
+  const std::string middle = "\"\r\ngarbage without quotes\n\"Broken\"=\"no closing quote\r\n"
+                             "\"Blob\"=hex:01,02,\\\r\n  03,04";
+  const std::string tail =
+      "\r\n\r\n; the next key\r\n[HKEY_CURRENT_USER\\Other]\r\n\"Tail\"=dword:00000001";
   writeFile(registry_, head + "/old" + middle + tail);
   EXPECT_EQ("<unread>", readString(kKey, "Broken"));
   EXPECT_EQ("<unread>", readString(kKey, "Blob"));
-
   ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString("/new")));
   ASSERT_NE(0, SetRegValue(kKey, "ExePath", CString("/opt/mail")));
   ASSERT_NE(0, SetRegValue("New\\Key", "Flag", 2));
@@ -124,7 +123,6 @@ TEST_F(RegistryTest, LastOccurrenceWinsAndIsTheOneReplaced) {
                                  "[Other]\n\"V\"=\"other\"\n");
   EXPECT_EQ("two", readString("K", "V"));
   EXPECT_EQ("<unread>", readString("K", "H"));  // the later hex value hides the string
-
   ASSERT_NE(0, SetRegValue("K", "V", CString("three")));
   ASSERT_NE(0, SetRegValue("K", "H", CString("text")));
   ASSERT_NE(0, SetRegValue("K", "New", 1));
@@ -180,4 +178,37 @@ TEST_F(RegistryTest, FileFallsBackToXdgConfigThenHome) {
   EXPECT_TRUE(fileExists(dir_.file("home/.config/tuk/registry.reg")));
 }
 
+// A registry write that the system refuses at any step, after one that went well: it reports
+// failure and leaves the file, and every value in it, as the first write left them.
+struct RefusedStep {
+  const char *name;
+  FileOperation operation;
+  int callsBefore; // calls of the operation that succeed first
+  int error;
+};
+
+// A write opens the lock file, the registry file and the new file, in that order.
+const RefusedStep kRefusedSteps[] = {
+    {"the lock file's open", FileOperation::RegistryOpen, 0, EACCES},
+    {"the lock", FileOperation::RegistryLock, 0, ENOLCK},
+    {"the registry file's open", FileOperation::RegistryOpen, 1, EACCES},
+    {"the new file's open", FileOperation::RegistryOpen, 2, ENOSPC},
+    {"the write", FileOperation::RegistryWrite, 0, ENOSPC},
+    {"the rename", FileOperation::RegistryRename, 0, EIO},
+};
+
+TEST_F(RegistryTest, ASecondWriteRefusedAtAnyStepLeavesTheFirstWhole) {
+  for (const RefusedStep &step : kRefusedSteps) {
+    SCOPED_TRACE(step.name);
+    ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString("/home/ann/mail")));
+    const std::string written = readFile(registry_);
+    failFileOperationsAfter(step.operation, step.callsBefore, step.error);
+    EXPECT_EQ(0, SetRegValue(kKey, "ExePath", CString("/opt/eudora")));
+    clearFileOperationFailures();
+    EXPECT_EQ(written, readFile(registry_));
+    EXPECT_EQ("/home/ann/mail", readString(kKey, "MailPath"));
+    EXPECT_EQ("<unread>", readString(kKey, "ExePath"));
+    EXPECT_FALSE(fileExists(registry_ + ".tmp"));
+  }
+}
 }  // namespace
