@@ -1,8 +1,8 @@
 // CMHAgent: opening objects, and the names and extensions of a client.
 #include "agent/Agent.h"
 
-#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
+#include "include/tuk/AgentLog.h"
 #include "settings/PropPage.h"
 #include "store/LocalTime.h"
 #include "store/MailFile.h"

@@ -8,10 +8,10 @@
 #include "agent/EudAgent.h"
 #include "agent/IMAgent.h"
 #include "agent/LiveObjects.h"
-#include "include/tuk/AgentLog.h"
 #include "agent/NSAgent.h"
 #include "agent/PegAgent.h"
 #include "cmn/HelpFile.h"
+#include "include/tuk/AgentLog.h"
 #include "platform/Modules.h"
 #include "platform/Resources.h"
 #include "store/MailFile.h"
@@ -280,12 +280,28 @@ int32_t terminateAgent() {
 
 void fillEntryTable() {
   entryTable = AgentEntryTable{
-      findFirstObjectHandle, findNextObjectHandle, closeFindObjectHandle, keepObject,
-      openObject,            readObject,           getObjectProperties,   seekObject,
-      tellObject,            unsupportedObjectCall, closeObject,          reservedObjectCall,
-      propPageInit,          Validate,             propPageClose,         propPageFocus,
-      getObjectIcon,         RunObject,            getPropertyTemplates,  getLogFlag,
-      setLogFlag,            terminateAgent,
+      findFirstObjectHandle,
+      findNextObjectHandle,
+      closeFindObjectHandle,
+      keepObject,
+      openObject,
+      readObject,
+      getObjectProperties,
+      seekObject,
+      tellObject,
+      unsupportedObjectCall,
+      closeObject,
+      reservedObjectCall,
+      propPageInit,
+      Validate,
+      propPageClose,
+      propPageFocus,
+      getObjectIcon,
+      RunObject,
+      getPropertyTemplates,
+      getLogFlag,
+      setLogFlag,
+      terminateAgent,
   };
 }
 
@@ -304,10 +320,12 @@ void fillResult(const char *agentKey, AgentResult *result) {
 
 } // namespace
 
-AFX_MODULE_STATE *agentModuleState() { return &moduleState; }
+AFX_MODULE_STATE *agentModuleState() {
+  return &moduleState;
+}
 
 extern "C" __attribute__((visibility("default"))) int32_t initAgent(const AgentParams *params,
-                                                                   AgentResult *result) {
+                                                                    AgentResult *result) {
   AGENT_ENTRY_GUARD;
   const char *agentKey = params && params->agentKey ? params->agentKey : "";
   if (++agentInitCount > 1) {

@@ -13,11 +13,26 @@ namespace {
 
 // YEAR, SENDER, FOLDER and CLIENT stand for the store's; each %s for one of its words.
 const char *const kForms[] = {
-    "%s",           "%s %s",           "\"%s %s\"",       "%s OR %s",
-    "%s -%s",       "NOT %s %s",       "(%s OR %s) %s",   "%s*",
-    "subject:%s",   "from:SENDER %s",  "body:%s %s",      "%s date:YEAR",
-    "%s date:YEAR-03..YEAR-09", "%s date:..YEAR", "%s folder:FOLDER", "%s client:CLIENT",
-    "id:42",        "%s attachment:pdf", "2.5%% %s",     "%s and not %s",
+    "%s",
+    "%s %s",
+    "\"%s %s\"",
+    "%s OR %s",
+    "%s -%s",
+    "NOT %s %s",
+    "(%s OR %s) %s",
+    "%s*",
+    "subject:%s",
+    "from:SENDER %s",
+    "body:%s %s",
+    "%s date:YEAR",
+    "%s date:YEAR-03..YEAR-09",
+    "%s date:..YEAR",
+    "%s folder:FOLDER",
+    "%s client:CLIENT",
+    "id:42",
+    "%s attachment:pdf",
+    "2.5%% %s",
+    "%s and not %s",
 };
 
 std::string format(const char *form, const char *a, const char *b, const char *c) {
@@ -35,8 +50,8 @@ void replaceAll(std::string &text, const std::string &from, const std::string &t
 
 QueryWords everydayQueryWords() {
   return QueryWords{{"report", "meeting", "review", "numbers", "quarter", "budget", "project",
-                     "draft", "invoice", "customer", "server", "release", "problem",
-                     "schedule", "notes", "office"},
+                     "draft", "invoice", "customer", "server", "release", "problem", "schedule",
+                     "notes", "office"},
                     "1996",
                     "example.org",
                     "Archive"};
@@ -58,8 +73,8 @@ void measureQueries(const std::string &mhhost, const std::string &registry,
     replaceAll(query, "SENDER", words.senderWord);
     replaceAll(query, "FOLDER", words.folder);
     replaceAll(query, "CLIENT", client);
-    std::vector<std::string> argv = {mhhost, "--registry", registry, "--db", database,
-                                     "search", query};
+    std::vector<std::string> argv = {mhhost,   "--registry", registry, "--db",
+                                     database, "search",     query};
     // Every fifth sorts by relevance, every seventh only counts.
     if (i % 5 == 4)
       argv.insert(argv.end(), {"--sort", "relevance"});
@@ -80,8 +95,9 @@ void measureQueries(const std::string &mhhost, const std::string &registry,
   }
   std::sort(milliseconds.begin(), milliseconds.end());
   const auto at = [&](double share) {
-    return milliseconds[std::min(milliseconds.size() - 1,
-                                 static_cast<size_t>(share * static_cast<double>(milliseconds.size())))];
+    return milliseconds[std::min(
+        milliseconds.size() - 1,
+        static_cast<size_t>(share * static_cast<double>(milliseconds.size())))];
   };
   std::printf("  mhhost search, %zu queries of every form (a process each): p50 %.1f ms, "
               "p99 %.1f ms, slowest %.1f ms\n",

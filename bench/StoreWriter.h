@@ -31,9 +31,9 @@ void appendFramed(Client client, std::string &file, const std::string &message, 
 enum class Corpus { Everyday, Mime, Real };
 
 struct StoreShape {
-  uint64_t targetBytes = 0;  // stop once the mail files hold this much, or
-  uint64_t messageCount = 0; // stop after this many messages (whichever is not 0)
-  size_t minMessage = 1024;  // message sizes, spread evenly over the logarithm (lognormal
+  uint64_t targetBytes = 0;    // stop once the mail files hold this much, or
+  uint64_t messageCount = 0;   // stop after this many messages (whichever is not 0)
+  size_t minMessage = 1024;    // message sizes, spread evenly over the logarithm (lognormal
   size_t maxMessage = 1 << 20; // around 4 KB for Corpus::Real), within these bounds
   unsigned mailboxes = 8;
   unsigned messagesPerMailbox = 0; // when not 0 (and messageCount is given), as many

@@ -141,8 +141,8 @@ int childMain(int argc, char **argv) {
   const bool withDigest = argc > 4 && std::strcmp(argv[4], "--digest") == 0;
   WalkTotals totals;
   std::string error;
-  if (!walkStore(directoryOf(selfPath("store_bench")) + "/tuk_mhmail.so", argv[3], mode,
-                 withDigest, totals, error)) {
+  if (!walkStore(directoryOf(selfPath("store_bench")) + "/tuk_mhmail.so", argv[3], mode, withDigest,
+                 totals, error)) {
     std::fprintf(stderr, "store_bench: %s\n", error.c_str());
     return 1;
   }
@@ -234,9 +234,8 @@ void measure(const Store &store, const Options &options, const std::string &self
   // The store was dropped from the cache when it was written: the first reader reads it
   // from disk and decides how its pages are cached for every run that follows.
   Row first{options.agentReadsFirst ? "walk, from disk" : "cat, from disk"};
-  first.take(options.agentReadsFirst
-                 ? runProcess({self, "--child", "find", key}, registryEnv, true)
-                 : runProcess(catArgs, {}, false));
+  first.take(options.agentReadsFirst ? runProcess({self, "--child", "find", key}, registryEnv, true)
+                                     : runProcess(catArgs, {}, false));
 
   Row cat{"cat"}, mapped{"mmap, one pass"}, walk{"walk (find first/next)"};
   Row index{"walk + open/read/props"};
@@ -272,8 +271,8 @@ void measure(const Store &store, const Options &options, const std::string &self
   if (hostBuilt) {
     printRow(host, store, cat);
     printRow(again, store, cat);
-    measureQueries(options.mhhost, store.registry, store.database,
-                   clientFormat(store.client).name, everydayQueryWords());
+    measureQueries(options.mhhost, store.registry, store.database, clientFormat(store.client).name,
+                   everydayQueryWords());
   } else {
     std::printf("  mhhost: not built\n");
   }

@@ -3,9 +3,9 @@
 // split the mailbox.
 #include "clients/NSMFile.h"
 
-#include "include/tuk/AgentLog.h"
 #include "clients/Delimiters.h"
 #include "clients/ScanFormat.h"
+#include "include/tuk/AgentLog.h"
 #include "store/ByteSearch.h"
 #include "store/DelimiterScan.h"
 
@@ -111,8 +111,8 @@ int CNetscapeMailFile::nextMessage() {
   const unsigned char *const base = mapBase.get();
   const unsigned char *const format = delimiter.get();
   // The delimiter buffer always holds the format's text: its pair is chosen once.
-  static const BytePair quick = rarestPair(
-      reinterpret_cast<const unsigned char *>(kNetscapeDelimiterText), kQuickTestLength);
+  static const BytePair quick =
+      rarestPair(reinterpret_cast<const unsigned char *>(kNetscapeDelimiterText), kQuickTestLength);
   // The quick test: "From" at pos, with more than the delimiter's length of the file from
   // there on; two of its four bytes are looked for together, as any one alone stands every
   // 64 bytes of base64. Only a position that passes it, and has a line feed behind it, is

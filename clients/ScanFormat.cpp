@@ -6,13 +6,19 @@
 
 namespace {
 
-bool isSpace(unsigned char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); }
+bool isSpace(unsigned char ch) {
+  return ch == ' ' || (ch >= '\t' && ch <= '\r');
+}
 
-bool isDigit(unsigned char ch) { return ch >= '0' && ch <= '9'; }
+bool isDigit(unsigned char ch) {
+  return ch >= '0' && ch <= '9';
+}
 
 // What ends a word: white space, or a zero byte, which ends the input as it ends the C string
 // that sscanf reads.
-bool endsWord(unsigned char ch) { return ch == 0 || isSpace(ch); }
+bool endsWord(unsigned char ch) {
+  return ch == 0 || isSpace(ch);
+}
 
 } // namespace
 

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <vector>
 
-constexpr size_t kMaxScanWord = 100;  // a word's field, terminator included
+constexpr size_t kMaxScanWord = 100; // a word's field, terminator included
 
 struct ScanFields {
   char words[3][kMaxScanWord];

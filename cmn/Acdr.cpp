@@ -10,7 +10,7 @@ bool fits(unsigned int size, unsigned int used, unsigned int count) {
   return used <= size && count <= size - used;
 }
 
-}  // namespace
+} // namespace
 
 // Writing starts at `offset`, and getUsed counts from the start of the buffer, so that the
 // alignment and the end of the data are both positions in the buffer (offset is 0 in practice).

@@ -18,8 +18,8 @@ public:
   ACDR &operator=(const ACDR &) = delete;
   ~ACDR() = default;
 
-  ACDR &operator<<(long value);           // written as 32 bits, signed
-  ACDR &operator<<(unsigned long value);  // written as 32 bits
+  ACDR &operator<<(long value);          // written as 32 bits, signed
+  ACDR &operator<<(unsigned long value); // written as 32 bits
   ACDR &operator<<(const CString &value);
 
   unsigned int getUsed() const { return used_; }

@@ -17,7 +17,7 @@ std::string libraryDirectory() {
   if (::dladdr(reinterpret_cast<void *>(&GetHelpFilePath), &info) == 0 || info.dli_fname == nullptr)
     return std::string();
   const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(info.dli_fname, nullptr),
-                                                            &std::free);
+                                                             &std::free);
   const std::string library = resolved ? resolved.get() : info.dli_fname;
   const size_t slash = library.rfind('/');
   if (slash == std::string::npos)
@@ -28,13 +28,13 @@ std::string libraryDirectory() {
 std::string helpFilePath() {
   std::string directory = libraryDirectory();
   if (directory.empty())
-    return kHelpFileName;  // relative to the working directory: the best guess left
+    return kHelpFileName; // relative to the working directory: the best guess left
   if (directory.back() != '/')
     directory += '/';
   return directory + kHelpFileName;
 }
 
-}  // namespace
+} // namespace
 
 const char *GetHelpFilePath() {
   static const std::string path = helpFilePath();

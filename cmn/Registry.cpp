@@ -21,7 +21,9 @@ std::optional<RegistryData> readValue(const char *key, const char *valueName) {
   return cmn::RegistryText(bytes).find(key, valueName);
 }
 
-bool holdsLineBreak(const std::string &text) { return text.find_first_of("\r\n") != text.npos; }
+bool holdsLineBreak(const std::string &text) {
+  return text.find_first_of("\r\n") != text.npos;
+}
 
 // The file holds one value per line and has no escape for a line break, so a name or a string
 // with one cannot be stored; nor can a string with a zero byte, which no reader of the value
@@ -43,7 +45,7 @@ int writeValue(const char *key, const char *valueName, const RegistryData &data)
   return written ? 1 : 0;
 }
 
-}  // namespace
+} // namespace
 
 int GetRegValue(const char *key, const char *valueName, CString &value) {
   const std::optional<RegistryData> data = readValue(key, valueName);

@@ -105,7 +105,7 @@ bool replaceFile(const std::string &path, const std::string &bytes) {
   if (!out)
     return false;
   TemporaryFileRemover remover(temporary);
-  ::fchmod(out.get(), mode);  // best effort: the values matter more than the mode
+  ::fchmod(out.get(), mode); // best effort: the values matter more than the mode
   if (!writeAll(out.get(), bytes) || ::fsync(out.get()) != 0 || !out.close())
     return false;
   if (injectedFailure(FileOperation::RegistryRename) ||
@@ -116,7 +116,7 @@ bool replaceFile(const std::string &path, const std::string &bytes) {
   return true;
 }
 
-}  // namespace
+} // namespace
 
 bool readRegistryFile(const std::string &path, std::string &bytes) {
   bytes.clear();
@@ -160,4 +160,4 @@ bool rewriteRegistryFile(const std::string &path, const RegistryEdit &edit) {
   return replaceFile(path, *edited);
 }
 
-}  // namespace cmn
+} // namespace cmn

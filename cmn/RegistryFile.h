@@ -28,4 +28,4 @@ using RegistryEdit = std::function<std::optional<std::string>(const std::string 
 // its old contents.
 bool rewriteRegistryFile(const std::string &path, const RegistryEdit &edit);
 
-}  // namespace cmn
+} // namespace cmn

@@ -69,7 +69,7 @@ std::optional<uint32_t> parseDword(std::string_view digits) {
   return number;
 }
 
-}  // namespace
+} // namespace
 
 std::optional<std::string_view> parseKeyLine(std::string_view line) {
   line = trimTrailingBlanks(line);
@@ -116,7 +116,9 @@ std::string formatKeyLine(std::string_view key) {
   return line;
 }
 
-std::string formatValueHead(std::string_view name) { return quoted(name) + "="; }
+std::string formatValueHead(std::string_view name) {
+  return quoted(name) + "=";
+}
 
 std::string formatValueData(const RegistryData &data) {
   if (data.type == RegistryData::Type::String)
@@ -126,4 +128,4 @@ std::string formatValueData(const RegistryData &data) {
   return std::string("dword:") + digits;
 }
 
-}  // namespace cmn
+} // namespace cmn

@@ -15,17 +15,17 @@ inline constexpr std::string_view kRegistryHeader = "Windows Registry Editor Ver
 
 struct RegistryData {
   enum class Type { String, Dword, Other };
-  Type type = Type::Other;  // Other: a value of a type this library does not read, or malformed
-  std::string text;         // String: the bytes, unescaped
-  uint32_t number = 0;      // Dword
+  Type type = Type::Other; // Other: a value of a type this library does not read, or malformed
+  std::string text;        // String: the bytes, unescaped
+  uint32_t number = 0;     // Dword
 };
 
 // The key path of a `[key]` line, blanks after the `]` allowed; nothing for any other line.
 std::optional<std::string_view> parseKeyLine(std::string_view line);
 
 struct ValueLineHead {
-  std::string name;      // unescaped
-  size_t dataBegin = 0;  // where the data starts in the line, just past the `=`
+  std::string name;     // unescaped
+  size_t dataBegin = 0; // where the data starts in the line, just past the `=`
 };
 // The head of a line that starts with a quoted name directly followed by `=`; nothing for
 // any other line.
@@ -41,4 +41,4 @@ std::string formatValueHead(std::string_view name);
 // A quoted escaped string, or `dword:` and exactly 8 lower-case hex digits.
 std::string formatValueData(const RegistryData &data);
 
-}  // namespace cmn
+} // namespace cmn

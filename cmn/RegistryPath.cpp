@@ -28,7 +28,7 @@ std::string homeDirectory() {
   return found->pw_dir;
 }
 
-}  // namespace
+} // namespace
 
 CString registryFilePath() {
   if (const char *explicitPath = nonEmptyEnvironment("TUK_REGISTRY"))

@@ -22,7 +22,9 @@ bool equalsNoCase(std::string_view left, std::string_view right) {
 
 // A value of a type this library does not read continues on the next line when it ends with
 // a backslash (the registry editor wraps hex data so).
-bool endsWithBackslash(std::string_view line) { return !line.empty() && line.back() == '\\'; }
+bool endsWithBackslash(std::string_view line) {
+  return !line.empty() && line.back() == '\\';
+}
 
 // Ends the text's last line, which has no line end yet. A carriage return that ends it is
 // its content, not half a line end: it keeps a CR LF of its own, so that the line reads as it
@@ -39,7 +41,7 @@ bool endsWithEmptyLine(std::string_view text) {
   return before.empty() || before.back() == '\n';
 }
 
-}  // namespace
+} // namespace
 
 struct RegistryText::Location {
   // The last occurrence of the value, and where its data lies in the text (before the line end).
@@ -130,9 +132,9 @@ std::string RegistryText::withValue(std::string_view key, std::string_view name,
   if (found.sectionEnd) {
     edited.append(bytes_.substr(0, *found.sectionEnd));
     if (edited.back() != '\n')
-      endLastLine(edited, found.lineEnd);  // the section's last line was the file's last
+      endLastLine(edited, found.lineEnd); // the section's last line was the file's last
     if (found.sectionEndContinues)
-      edited += found.lineEnd;  // an empty line ends the wrapped value
+      edited += found.lineEnd; // an empty line ends the wrapped value
     edited += valueLine;
     edited += found.lineEnd;
     edited.append(bytes_.substr(*found.sectionEnd));
@@ -155,4 +157,4 @@ std::string RegistryText::withValue(std::string_view key, std::string_view name,
   return edited;
 }
 
-}  // namespace cmn
+} // namespace cmn

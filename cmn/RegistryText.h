@@ -40,4 +40,4 @@ private:
   std::string_view bytes_;
 };
 
-}  // namespace cmn
+} // namespace cmn

@@ -1,8 +1,8 @@
 // The agent of the fuzz targets that parse mail: brought up once, in this process.
 #include "fuzz/FuzzSupport.h"
 
-#include "include/tuk/AgentAbi.h"
 #include "agent/mhmail.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <cstdlib>
 

@@ -4,9 +4,9 @@
 #include <cstdarg>
 #include <cstdio>
 #include <dlfcn.h>
-#include <sys/stat.h>
 #include <limits.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 

@@ -11,8 +11,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <cstdio>
+#include <ctime>
 #include <sys/stat.h>
 
 namespace {
@@ -46,18 +46,17 @@ void printStats(const IndexSummary &summary) {
 void printSummary(const IndexSummary &summary, double seconds) {
   const double megabytes = static_cast<double>(summary.bytes) / 1e6;
   const uint64_t mailboxes = summary.mailboxesRead + summary.mailboxesUnchanged;
-  std::printf("indexed: %llu new, %llu unchanged, %llu moved, %llu removed, %llu unreadable, "
-              "%llu raw; %llu of %llu mailboxes read; %llu bytes in %.3f s, %.2f MB/s\n",
-              static_cast<unsigned long long>(summary.added),
-              static_cast<unsigned long long>(summary.unchanged),
-              static_cast<unsigned long long>(summary.moved),
-              static_cast<unsigned long long>(summary.removed),
-              static_cast<unsigned long long>(summary.failed),
-              static_cast<unsigned long long>(summary.raw),
-              static_cast<unsigned long long>(summary.mailboxesRead),
-              static_cast<unsigned long long>(mailboxes),
-              static_cast<unsigned long long>(summary.bytes), seconds,
-              seconds > 0 ? megabytes / seconds : 0.0);
+  std::printf(
+      "indexed: %llu new, %llu unchanged, %llu moved, %llu removed, %llu unreadable, "
+      "%llu raw; %llu of %llu mailboxes read; %llu bytes in %.3f s, %.2f MB/s\n",
+      static_cast<unsigned long long>(summary.added),
+      static_cast<unsigned long long>(summary.unchanged),
+      static_cast<unsigned long long>(summary.moved),
+      static_cast<unsigned long long>(summary.removed),
+      static_cast<unsigned long long>(summary.failed), static_cast<unsigned long long>(summary.raw),
+      static_cast<unsigned long long>(summary.mailboxesRead),
+      static_cast<unsigned long long>(mailboxes), static_cast<unsigned long long>(summary.bytes),
+      seconds, seconds > 0 ? megabytes / seconds : 0.0);
   std::fflush(stdout);
 }
 
@@ -84,8 +83,7 @@ int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &set
     ProgressBar progress(!settings.log); // the log's lines would tear the bar
     const int64_t agentId = db.agentId(agentKey);
     if (agentId != 0) {
-      updateIndex(agent->entries(), framingOfKey(agentKey), db, agentId, tree, progress,
-                  summary);
+      updateIndex(agent->entries(), framingOfKey(agentKey), db, agentId, tree, progress, summary);
       db.setIndexedAt(agentId, static_cast<int64_t>(std::time(nullptr)));
     }
   }
@@ -137,8 +135,7 @@ int indexStores(const CommandLine &line, const HostSettings &settings, IndexDb &
     return std::find(keys.begin(), keys.end(), key) != keys.end();
   });
   std::string error;
-  if (status == kExitOk && everyStore && textsWantRebuild(db) &&
-      !rebuildTexts(db, settings, error))
+  if (status == kExitOk && everyStore && textsWantRebuild(db) && !rebuildTexts(db, settings, error))
     return reportError(error + "; the full-text index stays as it was");
   return status;
 }

@@ -11,13 +11,13 @@ struct OptionName {
 };
 
 const OptionName kOptions[] = {
-    {"help", false},   {"version", false}, {"client", true},   {"key", true},
-    {"registry", true}, {"db", true},      {"language", true}, {"log", false},
-    {"mail-dir", true},
-    {"exe-dir", true}, {"mail-ext", true}, {"ctrl-ext", true}, {"attachments", true},
-    {"yes", false},    {"json", false},    {"stats", false},   {"raw", false},
-    {"count", false},  {"offset", true},   {"sort", true},     {"output", true},
-    {"limit", true},   {"since", true},    {"until", true},    {"dir", true},
+    {"help", false},       {"version", false}, {"client", true},   {"key", true},
+    {"registry", true},    {"db", true},       {"language", true}, {"log", false},
+    {"mail-dir", true},    {"exe-dir", true},  {"mail-ext", true}, {"ctrl-ext", true},
+    {"attachments", true}, {"yes", false},     {"json", false},    {"stats", false},
+    {"raw", false},        {"count", false},   {"offset", true},   {"sort", true},
+    {"output", true},      {"limit", true},    {"since", true},    {"until", true},
+    {"dir", true},
 };
 
 const OptionName *findOption(const std::string &name) {

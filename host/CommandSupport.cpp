@@ -63,7 +63,7 @@ int loadIndexedHit(const std::string &command, const CommandLine &line,
     return reportError(error);
   IndexedObject indexed;
   if (!db->findObject(hit.id, indexed))
-    return reportError(!db->ok()             ? db->errorText()
+    return reportError(!db->ok()              ? db->errorText()
                        : db->wasGiven(hit.id) ? "message " + id + " is no longer in the store"
                                               : "the index holds no message " + id);
   if (!hit.record.assign(indexed.record.data(), indexed.record.size()))

@@ -15,7 +15,7 @@ struct DemoMessage {
   const char *to;
   const char *cc;
   const char *subject;
-  const char *body; // lines ended by '\n'
+  const char *body;                  // lines ended by '\n'
   const char *contentType = nullptr; // of a MIME message, whose body holds its parts
 };
 

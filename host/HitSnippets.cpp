@@ -39,8 +39,8 @@ void addSnippets(IndexDb &db, const SearchQuery &query, std::vector<SearchHit> &
     const std::string attachments = attachmentNames(message);
     const std::string &text = searchedText(message);
     const std::pair<const char *, const std::string *> fields[] = {
-        {"body", &text},       {"subject", &message.subject}, {"from", &message.from},
-        {"to", &message.to},   {"cc", &message.cc},           {"attachment", &attachments}};
+        {"body", &text},     {"subject", &message.subject}, {"from", &message.from},
+        {"to", &message.to}, {"cc", &message.cc},           {"attachment", &attachments}};
     hit.snippet.clear();
     for (const auto &[column, field] : fields)
       if (hit.snippet.empty())

@@ -6,9 +6,9 @@
 
 #include <cstdlib>
 #include <dirent.h>
-#include <sys/stat.h>
 #include <limits.h>
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -36,7 +36,8 @@ bool languageModuleExists(const std::string &language, std::string &error) {
     while (const dirent *entry = readdir(listing)) {
       const std::string name = entry->d_name;
       const std::string prefix = "tuk_mhmail", suffix = ".so";
-      if (name.size() > prefix.size() + suffix.size() && name.compare(0, prefix.size(), prefix) == 0 &&
+      if (name.size() > prefix.size() + suffix.size() &&
+          name.compare(0, prefix.size(), prefix) == 0 &&
           name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0)
         found += ", " + name.substr(prefix.size(), name.size() - prefix.size() - suffix.size());
     }

@@ -187,8 +187,9 @@ std::unique_ptr<IndexDb> IndexDb::open(const std::string &path, Access access, s
   const bool exists = stat(path.c_str(), &status) == 0;
   if (access == Access::ReadOnly && !exists) {
     error = stat(buildingPath(path).c_str(), &status) == 0
-                ? "the index at " + path + " is not made yet: an mhhost index run is making "
-                  "it, or was stopped (run mhhost index)"
+                ? "the index at " + path +
+                      " is not made yet: an mhhost index run is making "
+                      "it, or was stopped (run mhhost index)"
                 : "there is no index at " + path + " yet: run mhhost index first";
     return nullptr;
   }
@@ -234,7 +235,8 @@ bool IndexDb::claim(Access access, std::string &error) {
     const int64_t version = pragmaValue(*connection_, "PRAGMA user_version");
     const bool older = version >= 1 && version < kSchemaVersion;
     if (older && access == Access::ReadOnly) {
-      error = "the index " + path_ + " was made by an older mhhost: run mhhost index to "
+      error = "the index " + path_ +
+              " was made by an older mhhost: run mhhost index to "
               "rebuild it";
       return false;
     }
@@ -298,8 +300,10 @@ bool IndexDb::rebuildOldSchema() {
   // Another process may have rebuilt it since the check.
   const int64_t version = pragmaValue(*connection_, "PRAGMA user_version");
   if (version >= 1 && version < kSchemaVersion) {
-    std::fprintf(stderr, "mhhost: the index %s was made by an older mhhost; it is rebuilt "
-                         "now, and every message is read again\n", path_.c_str());
+    std::fprintf(stderr,
+                 "mhhost: the index %s was made by an older mhhost; it is rebuilt "
+                 "now, and every message is read again\n",
+                 path_.c_str());
     connection_->exec(kOldTables);
     if (pragmaValue(*connection_, "SELECT count(*) FROM pragma_table_info('agents') "
                                   "WHERE name = 'indexed_at'") == 0)

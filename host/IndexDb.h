@@ -38,9 +38,9 @@ struct StoredObject {
 };
 
 struct SearchQuery {
-  std::string match;    // FTS5 query syntax; empty: no word must be found
-  std::vector<std::string> without; // FTS5 expressions that must not match
-  std::vector<std::string> folders; // parts of the mailbox's path, any case
+  std::string match;                   // FTS5 query syntax; empty: no word must be found
+  std::vector<std::string> without;    // FTS5 expressions that must not match
+  std::vector<std::string> folders;    // parts of the mailbox's path, any case
   std::vector<std::string> clientTags; // parts of the agent key
   std::vector<int64_t> ids;
   std::string agentKey; // empty: every agent's objects
@@ -66,7 +66,6 @@ struct SearchHit {
   std::string from, subject, snippet;
   uint64_t hash = 0; // of the message's bytes when it was indexed
 };
-
 
 struct StoreStatus {
   std::string agentKey;
@@ -137,7 +136,8 @@ public:
   int64_t objectCount();
   void beginTextRebuild();
   // Calls `take` with each object of `agentKey`, in the order of ids.
-  void eachObject(const std::string &agentKey, const std::function<void(const IndexedObject &)> &take);
+  void eachObject(const std::string &agentKey,
+                  const std::function<void(const IndexedObject &)> &take);
   void addRebuiltText(int64_t object, const ReadMessage &message, const std::string &body);
   // An object whose message can no longer be read: it goes, and its mailbox is read again
   // by the next run.

@@ -12,11 +12,10 @@ namespace {
 // then every condition, its values bound from ?10 on.
 std::string matching(const SearchQuery &query) {
   // The mailbox and the agent of each match are looked up only when a condition needs them.
-  const bool places = !query.agentKey.empty() || !query.folders.empty() ||
-                      !query.clientTags.empty();
-  std::string sql = query.match.empty()
-                        ? " FROM objects o"
-                        : " FROM texts JOIN objects o ON o.id = texts.rowid";
+  const bool places =
+      !query.agentKey.empty() || !query.folders.empty() || !query.clientTags.empty();
+  std::string sql =
+      query.match.empty() ? " FROM objects o" : " FROM texts JOIN objects o ON o.id = texts.rowid";
   if (places)
     sql += " JOIN mailboxes m ON m.id = o.mailbox JOIN agents a ON a.id = m.agent";
   sql += query.match.empty() ? " WHERE 1" : " WHERE texts MATCH ?3";
@@ -128,7 +127,7 @@ std::vector<int64_t> IndexDb::newestPage(const SearchQuery &query) {
 }
 
 std::vector<std::pair<double, int64_t>> IndexDb::rankedHits(const SearchQuery &query,
-                                                           int64_t firstId, int64_t lastId) {
+                                                            int64_t firstId, int64_t lastId) {
   const size_t wanted = static_cast<size_t>(query.offset + query.limit);
   std::vector<std::pair<double, int64_t>> hits;
   const bool conditions = !query.agentKey.empty() || !query.folders.empty() ||

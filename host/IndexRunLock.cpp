@@ -17,8 +17,10 @@ bool IndexRunLock::acquire(const std::string &databasePath, std::string &error) 
   }
   if (flock(fd_, LOCK_EX | LOCK_NB) == 0)
     return true;
-  std::fprintf(stderr, "mhhost: another mhhost index is running on %s; waiting for it to "
-                       "finish\n", databasePath.c_str());
+  std::fprintf(stderr,
+               "mhhost: another mhhost index is running on %s; waiting for it to "
+               "finish\n",
+               databasePath.c_str());
   while (flock(fd_, LOCK_EX) != 0) {
     if (errno != EINTR) {
       error = "cannot lock " + path + ": " + std::strerror(errno);

@@ -101,11 +101,11 @@ std::vector<StoredObject> IndexDb::objects(int64_t mailbox) {
 
 int64_t IndexDb::addObject(int64_t mailbox, const RecordBuffer &record, int32_t agentTime,
                            uint64_t hash, const ReadMessage &message, const std::string &body) {
-  Statement &insert = prepared(
-      statements_->insertObject,
-      "INSERT INTO objects(mailbox, offset, length, checksum, time, stamp, record, date, "
-      "decoded, message_id, in_reply_to, refs, hash, subject, sender) "
-      "VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+  Statement &insert =
+      prepared(statements_->insertObject,
+               "INSERT INTO objects(mailbox, offset, length, checksum, time, stamp, record, date, "
+               "decoded, message_id, in_reply_to, refs, hash, subject, sender) "
+               "VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
   insert.bind(1, mailbox)
       .bind(2, record->offset)
       .bind(3, record->length)

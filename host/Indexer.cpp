@@ -9,8 +9,8 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <unordered_map>
 #include <tuple>
+#include <unordered_map>
 
 namespace {
 
@@ -48,10 +48,11 @@ struct MailboxWork {
       walked.push_back(key);
       return true;
     }
-    const auto at = std::lower_bound(
-        walked.begin(), walked.end(), key, [](const ObjectKey &a, const ObjectKey &b) {
-          return std::tie(a.offset, a.length, a.checksum) < std::tie(b.offset, b.length, b.checksum);
-        });
+    const auto at = std::lower_bound(walked.begin(), walked.end(), key,
+                                     [](const ObjectKey &a, const ObjectKey &b) {
+                                       return std::tie(a.offset, a.length, a.checksum) <
+                                              std::tie(b.offset, b.length, b.checksum);
+                                     });
     if (at != walked.end() && *at == key)
       return false;
     walked.insert(at, key);

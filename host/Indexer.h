@@ -12,11 +12,11 @@
 // dropped.
 #pragma once
 
-#include "include/tuk/AgentAbi.h"
 #include "host/IndexDb.h"
 #include "host/MessageLoader.h"
 #include "host/StoreTree.h"
 #include "host/Terminal.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <cstdint>
 #include <string>

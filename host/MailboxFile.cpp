@@ -81,8 +81,8 @@ void MailboxFile::readLineAhead(uint64_t offset, std::string &line) const {
 uint64_t hashOfBytes(const std::string &line, const std::string &range) {
   if (line.empty())
     return XXH3_64bits(range.data(), range.size());
-  const std::unique_ptr<XXH3_state_t, XXH_errorcode (*)(XXH3_state_t *)> state(
-      XXH3_createState(), XXH3_freeState);
+  const std::unique_ptr<XXH3_state_t, XXH_errorcode (*)(XXH3_state_t *)> state(XXH3_createState(),
+                                                                               XXH3_freeState);
   if (!state)
     return 0;
   XXH3_64bits_reset(state.get());

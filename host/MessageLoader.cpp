@@ -77,9 +77,8 @@ bool MessageLoader::load(const RecordBuffer &record, LoadedMessage &loaded) {
   const bool dateFromLine = !message.hasDate && parseDelimiterDate(delimiterLine, message.date);
   message.hasDate = message.hasDate || dateFromLine;
   // A date taken from Netscape's line ahead of the range makes that line part of the message.
-  loaded.hash = hashOfBytes(dateFromLine && framing_ == Framing::NetscapeLine ? delimiterLine
-                                                                               : std::string(),
-                            range_);
+  loaded.hash = hashOfBytes(
+      dateFromLine && framing_ == Framing::NetscapeLine ? delimiterLine : std::string(), range_);
   return true;
 }
 
@@ -122,9 +121,9 @@ StoredRead readStoredMessage(MailboxFile &file, Framing framing, const StoredPla
   size_t headerEnd = bytes.size();
   for (size_t at = bytes.find('\n'); at != std::string_view::npos; at = bytes.find('\n', at + 1)) {
     const size_t next = at + 1;
-    if (next < bytes.size() && (bytes[next] == '\n' ||
-                                (bytes[next] == '\r' && next + 1 < bytes.size() &&
-                                 bytes[next + 1] == '\n'))) {
+    if (next < bytes.size() &&
+        (bytes[next] == '\n' ||
+         (bytes[next] == '\r' && next + 1 < bytes.size() && bytes[next + 1] == '\n'))) {
       headerEnd = next + (bytes[next] == '\n' ? 1 : 2);
       break;
     }

@@ -3,16 +3,17 @@
 // together as a person reads them.
 //
 // The agent gives the body and a record's range; the header block is the range less the
-// body, and a hash of the range tells the message's bytes from any others. Eudora's range starts with the rest of its delimiter line, Netscape's delimiter line
-// lies just ahead of the range. The file is read with pread, never mapped, so a file cut
-// short under the host is a failed read and not a fault; a mailbox whose size or times
-// change while a message is read makes that message unreadable for this run.
+// body, and a hash of the range tells the message's bytes from any others. Eudora's range starts
+// with the rest of its delimiter line, Netscape's delimiter line lies just ahead of the range. The
+// file is read with pread, never mapped, so a file cut short under the host is a failed read and
+// not a fault; a mailbox whose size or times change while a message is read makes that message
+// unreadable for this run.
 #pragma once
 
-#include "include/tuk/AgentAbi.h"
 #include "host/MailboxFile.h"
 #include "host/RecordBuffer.h"
 #include "host/reader/MailReader.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <cstdint>
 #include <string>
@@ -34,7 +35,7 @@ Framing framingOfKey(const std::string &agentKey);
 struct LoadedMessage {
   std::string body; // as the agent's stream gives it
   int32_t agentTime = -1;
-  uint64_t hash = 0; // one of the two of RangeHash: with the line only for a date it gave
+  uint64_t hash = 0;   // one of the two of RangeHash: with the line only for a date it gave
   ReadMessage message; // its date falls back on the delimiter line's
 };
 

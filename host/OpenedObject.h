@@ -2,8 +2,8 @@
 // body as readObject gives it and its fields from getObjectProperties.
 #pragma once
 
-#include "include/tuk/AgentAbi.h"
 #include "host/PropertyBlock.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <string>
 #include <vector>

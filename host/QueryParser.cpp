@@ -91,11 +91,12 @@ public:
         }
       }
     }
-    if (token.field.empty() && (strcasecmp(word.c_str(), "and") == 0 ||
-                                strcasecmp(word.c_str(), "or") == 0 ||
-                                strcasecmp(word.c_str(), "not") == 0)) {
-      token.kind = word.size() == 2 ? Token::Or : std::tolower(word[0]) == 'a' ? Token::And
-                                                                              : Token::Not;
+    if (token.field.empty() &&
+        (strcasecmp(word.c_str(), "and") == 0 || strcasecmp(word.c_str(), "or") == 0 ||
+         strcasecmp(word.c_str(), "not") == 0)) {
+      token.kind = word.size() == 2               ? Token::Or
+                   : std::tolower(word[0]) == 'a' ? Token::And
+                                                  : Token::Not;
       return true;
     }
     if (word.size() > 1 && word.back() == '*' && !isOtherField(token.field)) {
@@ -239,11 +240,10 @@ private:
       return inner;
     }
     if (token_.kind != Token::Term) {
-      error_ = {position, token_.kind == Token::End
-                              ? "the query ends where a word was expected"
-                              : token_.kind == Token::Close
-                                    ? "a word is missing before this parenthesis"
-                                    : "a word is missing before this operator"};
+      error_ = {position, token_.kind == Token::End ? "the query ends where a word was expected"
+                          : token_.kind == Token::Close
+                              ? "a word is missing before this parenthesis"
+                              : "a word is missing before this operator"};
       return nullptr;
     }
     auto term = std::make_unique<Node>();
@@ -293,8 +293,9 @@ bool dateSpan(const std::string &text, time_t now, int64_t &from, int64_t &to) {
       (read == 3 && (d < 1 || d > 31)))
     return false;
   from = localMoment(y, read >= 2 ? m : 1, read == 3 ? d : 1);
-  to = read == 1 ? localMoment(y + 1, 1, 1)
-                 : read == 2 ? localMoment(y, m + 1, 1) : localMoment(y, m, d + 1);
+  to = read == 1   ? localMoment(y + 1, 1, 1)
+       : read == 2 ? localMoment(y, m + 1, 1)
+                   : localMoment(y, m, d + 1);
   return true;
 }
 

@@ -30,8 +30,8 @@ struct QuotedString {
 std::vector<QuotedString> quotedStrings(const std::string &expression) {
   std::vector<QuotedString> found;
   std::string column;
-  bool negated = false;   // the next word or group follows NOT
-  int negatedDepth = -1;  // the depth of the group NOT stands before, while in it
+  bool negated = false;  // the next word or group follows NOT
+  int negatedDepth = -1; // the depth of the group NOT stands before, while in it
   int depth = 0;
   for (size_t at = 0; at < expression.size(); ++at) {
     const char c = expression[at];
@@ -93,16 +93,15 @@ SnippetMaker::SnippetMaker(sqlite3 *db, const std::string &match, std::string ma
   fts5_api *const fts5 = fts5Of(db);
   void *userData = nullptr;
   const char *arguments[] = {"remove_diacritics", "2"};
-  if (fts5 == nullptr ||
-      fts5->xFindTokenizer(fts5, "unicode61", &userData, &api_) != SQLITE_OK ||
+  if (fts5 == nullptr || fts5->xFindTokenizer(fts5, "unicode61", &userData, &api_) != SQLITE_OK ||
       api_.xCreate(userData, arguments, 2, &tokenizer_) != SQLITE_OK) {
     tokenizer_ = nullptr;
     return;
   }
   for (const QuotedString &quoted : quotedStrings(match))
     tokenize(quoted.text, FTS5_TOKENIZE_QUERY, [&](const char *token, int size, int, int) {
-      words_.push_back(Word{std::string(token, static_cast<size_t>(size)), quoted.prefix,
-                            quoted.column});
+      words_.push_back(
+          Word{std::string(token, static_cast<size_t>(size)), quoted.prefix, quoted.column});
     });
 }
 

@@ -4,8 +4,8 @@
 // given, since a search that gave 122 cannot go on.
 #pragma once
 
-#include "include/tuk/AgentAbi.h"
 #include "host/RecordBuffer.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <cstdint>
 

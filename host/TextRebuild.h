@@ -1,8 +1,8 @@
 // Making the full-text table anew. It keeps no copy of the text, so the row of a removed
 // message can't be taken out; such rows are found by no search, but they take room and time.
-// Once they outnumber a quarter of the messages (and a thousand), every message of every store is read again
-// through its store's agent into a new table, which then takes the old one's place. Ids and
-// everything else the index holds stay.
+// Once they outnumber a quarter of the messages (and a thousand), every message of every store is
+// read again through its store's agent into a new table, which then takes the old one's place. Ids
+// and everything else the index holds stay.
 #pragma once
 
 #include "host/HostSettings.h"

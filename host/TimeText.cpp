@@ -42,8 +42,8 @@ bool parseDateArgument(const std::string &text, bool endOfDay, int64_t &seconds)
       hour < 0 || minute < 0 || second < 0 || year < 1900)
     return false;
   const bool wholeDay = dateOnly && endOfDay;
-  const time_t result = localMoment(year, month, day, wholeDay ? 23 : hour,
-                                    wholeDay ? 59 : minute, wholeDay ? 59 : second);
+  const time_t result = localMoment(year, month, day, wholeDay ? 23 : hour, wholeDay ? 59 : minute,
+                                    wholeDay ? 59 : second);
   if (result == static_cast<time_t>(-1))
     return false;
   seconds = static_cast<int64_t>(result);

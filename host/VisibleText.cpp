@@ -18,8 +18,7 @@ std::string visibleText(std::string_view text) {
       } else if (c < 0x20 || c == 0x7F) {
         shown += '^';
         shown += static_cast<char>(c ^ 0x40);
-      } else if (c == 0xC2 && i + 1 < valid &&
-                 static_cast<unsigned char>(text[i + 1]) < 0xA0) {
+      } else if (c == 0xC2 && i + 1 < valid && static_cast<unsigned char>(text[i + 1]) < 0xA0) {
         char escape[8];
         std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned char>(text[++i]));
         shown += escape; // a C1 control: CSI, U+009B, starts a sequence on some terminals

@@ -3,9 +3,13 @@
 
 #include <cstring>
 
-char asciiToLower(char ch) { return (ch >= 'A' && ch <= 'Z') ? static_cast<char>(ch + ('a' - 'A')) : ch; }
+char asciiToLower(char ch) {
+  return (ch >= 'A' && ch <= 'Z') ? static_cast<char>(ch + ('a' - 'A')) : ch;
+}
 
-char asciiToUpper(char ch) { return (ch >= 'a' && ch <= 'z') ? static_cast<char>(ch - ('a' - 'A')) : ch; }
+char asciiToUpper(char ch) {
+  return (ch >= 'a' && ch <= 'z') ? static_cast<char>(ch - ('a' - 'A')) : ch;
+}
 
 int asciiCompareNoCase(const char *left, const char *right, size_t count) {
   for (size_t i = 0; i < count; ++i) {
@@ -89,7 +93,9 @@ CString CString::Left(int count) const {
   return result;
 }
 
-CString CString::Mid(int first) const { return Mid(first, GetLength()); }
+CString CString::Mid(int first) const {
+  return Mid(first, GetLength());
+}
 
 CString CString::Mid(int first, int count) const {
   if (first < 0)
@@ -117,7 +123,9 @@ void CString::MakeUpper() {
     ch = asciiToUpper(ch);
 }
 
-int CString::Compare(const char *other) const { return std::strcmp(text_.c_str(), other ? other : ""); }
+int CString::Compare(const char *other) const {
+  return std::strcmp(text_.c_str(), other ? other : "");
+}
 
 int CString::CompareNoCase(const char *other) const {
   const char *right = other ? other : "";
@@ -148,7 +156,15 @@ CString operator+(const CString &left, char right) {
   return result;
 }
 
-bool operator==(const CString &left, const CString &right) { return left.bytes() == right.bytes(); }
-bool operator==(const CString &left, const char *right) { return left.bytes() == (right ? right : ""); }
-bool operator!=(const CString &left, const CString &right) { return !(left == right); }
-bool operator!=(const CString &left, const char *right) { return !(left == right); }
+bool operator==(const CString &left, const CString &right) {
+  return left.bytes() == right.bytes();
+}
+bool operator==(const CString &left, const char *right) {
+  return left.bytes() == (right ? right : "");
+}
+bool operator!=(const CString &left, const CString &right) {
+  return !(left == right);
+}
+bool operator!=(const CString &left, const char *right) {
+  return !(left == right);
+}

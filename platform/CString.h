@@ -11,7 +11,7 @@
 class CString {
 public:
   CString() = default;
-  CString(const char *text);  // null gives an empty string
+  CString(const char *text); // null gives an empty string
   CString(const char *bytes, int length);
   CString(char ch, int repeat = 1);
 
@@ -45,8 +45,8 @@ public:
 
   void MakeLower();
   void MakeUpper();
-  int Compare(const char *other) const;        // byte order: <0, 0, >0
-  int CompareNoCase(const char *other) const;  // ASCII case folded
+  int Compare(const char *other) const;       // byte order: <0, 0, >0
+  int CompareNoCase(const char *other) const; // ASCII case folded
 
   // Loads string `id` from the string table of the current module state's resource handle
   // (see Resources.h). Returns FALSE and leaves the string empty when there is no such string.

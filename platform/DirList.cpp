@@ -27,7 +27,7 @@ namespace {
 
 struct ListedEntry {
   std::string name;
-  std::string sortKey;  // the name upper-cased in ASCII
+  std::string sortKey; // the name upper-cased in ASCII
   DWORD attributes;
 };
 
@@ -35,7 +35,7 @@ class SearchObject final : public HandleObject {
 public:
   explicit SearchObject(std::vector<ListedEntry> entries) : entries(std::move(entries)) {}
   const std::vector<ListedEntry> entries;
-  size_t next = 0;  // the entry that FindNextFileA delivers
+  size_t next = 0; // the entry that FindNextFileA delivers
 };
 
 struct DirectoryCloser {
@@ -95,9 +95,8 @@ bool entryAttributes(int directoryFd, const dirent &entry, DWORD &attributes) {
 // of the failure: a listing is complete or it is none.
 int readMatchingEntries(const std::string &directory, const std::string &pattern,
                         std::vector<ListedEntry> &entries) {
-  DirectoryStream stream(injectedFailure(FileOperation::OpenDirectory)
-                             ? nullptr
-                             : ::opendir(directory.c_str()));
+  DirectoryStream stream(
+      injectedFailure(FileOperation::OpenDirectory) ? nullptr : ::opendir(directory.c_str()));
   if (!stream)
     return errno;
   const int directoryFd = ::dirfd(stream.get());
@@ -138,7 +137,7 @@ void deliver(const ListedEntry &entry, WIN32_FIND_DATAA *found) {
   found->cFileName[length] = '\0';
 }
 
-}  // namespace
+} // namespace
 
 HANDLE FindFirstFileA(const char *pattern, WIN32_FIND_DATAA *found) {
   if (pattern == nullptr || found == nullptr) {

@@ -10,8 +10,8 @@
 #include "WinTypes.h"
 
 struct WIN32_FIND_DATAA {
-  DWORD dwFileAttributes;  // FILE_ATTRIBUTE_DIRECTORY (0x10) or FILE_ATTRIBUTE_NORMAL (0x80)
-  char cFileName[260];     // a longer name is cut to 259 bytes (and so never matches a file)
+  DWORD dwFileAttributes; // FILE_ATTRIBUTE_DIRECTORY (0x10) or FILE_ATTRIBUTE_NORMAL (0x80)
+  char cFileName[260];    // a longer name is cut to 259 bytes (and so never matches a file)
 };
 
 // INVALID_HANDLE_VALUE when the directory can't be read (ERROR_PATH_NOT_FOUND when it isn't

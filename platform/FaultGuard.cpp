@@ -23,12 +23,12 @@ namespace {
 
 struct GuardFrame {
   sigjmp_buf resume;
-  GuardFrame *outer;  // the frame of an enclosing guarded call on this thread, or null
+  GuardFrame *outer; // the frame of an enclosing guarded call on this thread, or null
 };
 
 thread_local GuardFrame *innermostFrame = nullptr;
 
-struct sigaction previousAction;  // written once, before our handler can run
+struct sigaction previousAction; // written once, before our handler can run
 std::once_flag handlerInstalled;
 // Set once the handler is in place: the guarded calls after the first test this flag alone,
 // not the once flag, whose test costs several thread-local lookups.
@@ -106,7 +106,7 @@ void ensureHandler() {
   handlerReady.store(true, std::memory_order_release);
 }
 
-}  // namespace
+} // namespace
 
 bool runGuarded(void (*fn)(void *context), void *context) {
   ensureHandler();

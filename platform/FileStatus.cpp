@@ -17,7 +17,7 @@ DWORD attributesOf(const struct stat &status) {
   return S_ISDIR(status.st_mode) ? DWORD{FILE_ATTRIBUTE_DIRECTORY} : DWORD{FILE_ATTRIBUTE_NORMAL};
 }
 
-}  // namespace
+} // namespace
 
 BOOL CFile::GetStatus(const char *path, CFileStatus &status) {
   struct stat found;

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 struct CFileStatus {
-  int32_t m_mtime = 0;   // last-write time, seconds since 1970, low 32 bits taken as signed
+  int32_t m_mtime = 0; // last-write time, seconds since 1970, low 32 bits taken as signed
   uint64_t m_size = 0;
   DWORD m_attribute = 0; // FILE_ATTRIBUTE_DIRECTORY or FILE_ATTRIBUTE_NORMAL
 };

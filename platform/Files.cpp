@@ -73,8 +73,8 @@ namespace {
 // Seconds and nanoseconds since 1970 as 100 ns steps since 1601.
 FILETIME fileTimeOf(const struct timespec &moment) {
   constexpr int64_t kStepsFrom1601To1970 = 116444736000000000;
-  const auto steps = static_cast<uint64_t>(kStepsFrom1601To1970 + int64_t{moment.tv_sec} * 10000000 +
-                                           moment.tv_nsec / 100);
+  const auto steps = static_cast<uint64_t>(
+      kStepsFrom1601To1970 + int64_t{moment.tv_sec} * 10000000 + moment.tv_nsec / 100);
   return FILETIME{static_cast<DWORD>(steps), static_cast<DWORD>(steps >> 32)};
 }
 

@@ -6,11 +6,15 @@
 namespace {
 // Per thread, as on Windows: a failure on one thread never shows on another.
 thread_local DWORD lastError = ERROR_SUCCESS;
-}  // namespace
+} // namespace
 
-DWORD GetLastError() { return lastError; }
+DWORD GetLastError() {
+  return lastError;
+}
 
-void SetLastError(DWORD error) { lastError = error; }
+void SetLastError(DWORD error) {
+  lastError = error;
+}
 
 DWORD errorFromErrno(int error) {
   switch (error) {

@@ -9,13 +9,13 @@ namespace {
 struct ArmedFailure {
   int error;
   int remaining;
-  int skip;  // calls that succeed before the first failure
+  int skip; // calls that succeed before the first failure
 };
 
 constexpr size_t operationCount = static_cast<size_t>(FileOperation::Count);
 thread_local ArmedFailure armedFailures[operationCount] = {};
 
-}  // namespace
+} // namespace
 
 void failNextFileOperations(FileOperation operation, int error, int count) {
   failFileOperationsAfter(operation, 0, error, count);

@@ -52,7 +52,9 @@ public:
   uint64_t sizeReported = 0;
 };
 
-inline HANDLE toHandle(HandleObject *object) { return static_cast<HANDLE>(object); }
+inline HANDLE toHandle(HandleObject *object) {
+  return static_cast<HANDLE>(object);
+}
 
 // The object of kind T behind `handle`, or null for a null or invalid handle or another kind.
 template <class T> T *handleAs(HANDLE handle) {

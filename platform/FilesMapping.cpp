@@ -71,7 +71,7 @@ ViewLengths &viewLengths() {
   return *lengths;
 }
 
-}  // namespace
+} // namespace
 
 HANDLE CreateFileMappingA(HANDLE fileHandle, SECURITY_ATTRIBUTES * /*security*/, DWORD protect,
                           DWORD maximumSizeHigh, DWORD maximumSizeLow, const char *name) {

@@ -17,8 +17,8 @@
 namespace {
 
 // Windows' numbers for a module that isn't there and for a file that isn't a loadable one.
-constexpr DWORD kErrorModuleNotFound = 126;     // ERROR_MOD_NOT_FOUND
-constexpr DWORD kErrorNotLoadableModule = 193;  // ERROR_BAD_EXE_FORMAT
+constexpr DWORD kErrorModuleNotFound = 126;    // ERROR_MOD_NOT_FOUND
+constexpr DWORD kErrorNotLoadableModule = 193; // ERROR_BAD_EXE_FORMAT
 
 // Each thread starts in a state of its own that names no module, so that what one thread
 // does to its default state is never seen by another.
@@ -60,13 +60,13 @@ std::string libraryPath(const char *name) {
     char directory[PATH_MAX];
     path = std::string(moduleDirectory(anchor, directory, sizeof directory)) + "/" + name;
   }
-  const size_t lastPart = path.rfind('/') + 1;  // 0 when there is no '/'
+  const size_t lastPart = path.rfind('/') + 1; // 0 when there is no '/'
   if (path.find('.', lastPart) == std::string::npos)
     path += ".so";
   return path;
 }
 
-}  // namespace
+} // namespace
 
 AFX_MODULE_STATE *AfxGetModuleState() {
   return currentState != nullptr ? currentState : &threadDefaultState;
@@ -78,13 +78,17 @@ AFX_MODULE_STATE *AfxSetModuleState(AFX_MODULE_STATE *state) {
   return previous;
 }
 
-HINSTANCE AfxGetResourceHandle() { return AfxGetModuleState()->m_hCurrentResourceHandle; }
+HINSTANCE AfxGetResourceHandle() {
+  return AfxGetModuleState()->m_hCurrentResourceHandle;
+}
 
 void AfxSetResourceHandle(HINSTANCE module) {
   AfxGetModuleState()->m_hCurrentResourceHandle = module;
 }
 
-CWinApp *AfxGetApp() { return AfxGetModuleState()->m_pCurrentWinApp; }
+CWinApp *AfxGetApp() {
+  return AfxGetModuleState()->m_pCurrentWinApp;
+}
 
 const char *moduleDirectory(const void *anchor, char *buffer, size_t size) {
   const std::string file = fileHolding(anchor);
@@ -133,4 +137,6 @@ BOOL FreeLibrary(HMODULE module) {
 
 CWinApp::CWinApp(const char *appName) : m_pszAppName(appName), m_pszHelpFilePath(strdup("")) {}
 
-CWinApp::~CWinApp() { std::free(const_cast<char *>(m_pszHelpFilePath)); }
+CWinApp::~CWinApp() {
+  std::free(const_cast<char *>(m_pszHelpFilePath));
+}

@@ -17,9 +17,9 @@ struct ResourceTable;
 // A loaded module. Modules that a library declares for itself are plain statics (constant
 // initialisation, nothing runs at load); LoadLibraryA makes the others.
 struct CModule {
-  const ResourceTable *resources;  // null when the module carries none
-  const void *anchor;              // an address inside the module's own image: finds its file
-  void *dlHandle;                  // from dlopen for a module that LoadLibraryA loaded
+  const ResourceTable *resources; // null when the module carries none
+  const void *anchor;             // an address inside the module's own image: finds its file
+  void *dlHandle;                 // from dlopen for a module that LoadLibraryA loaded
 };
 typedef CModule *HINSTANCE;
 typedef CModule *HMODULE;
@@ -27,8 +27,8 @@ typedef CModule *HMODULE;
 class CWinApp;
 
 struct AFX_MODULE_STATE {
-  HINSTANCE m_hCurrentInstanceHandle;  // the module this state belongs to
-  HINSTANCE m_hCurrentResourceHandle;  // where strings and dialog templates are looked up
+  HINSTANCE m_hCurrentInstanceHandle; // the module this state belongs to
+  HINSTANCE m_hCurrentResourceHandle; // where strings and dialog templates are looked up
   CWinApp *m_pCurrentWinApp;
 };
 
@@ -77,5 +77,5 @@ public:
   ~CWinApp() override;
 
   const char *m_pszAppName;
-  const char *m_pszHelpFilePath;  // malloc'd
+  const char *m_pszHelpFilePath; // malloc'd
 };

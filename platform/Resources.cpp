@@ -40,7 +40,7 @@ const Entry *withFallback(HINSTANCE module, UINT id, const Entry *(*lookup)(HINS
   return own != module ? lookup(own, id) : nullptr;
 }
 
-}  // namespace
+} // namespace
 
 const ResourceString *findString(HINSTANCE module, UINT id) {
   return withFallback(module, id, stringIn);

@@ -11,15 +11,15 @@
 
 struct ResourceString {
   uint32_t id;
-  uint32_t length;   // bytes of text, without the terminating zero
-  const char *text;  // zero-terminated
+  uint32_t length;  // bytes of text, without the terminating zero
+  const char *text; // zero-terminated
 };
 
 struct DialogItem {
-  int32_t id;               // -1 for a static without an id
-  const char *className;    // "BUTTON", "EDIT", "STATIC"
+  int32_t id;            // -1 for a static without an id
+  const char *className; // "BUTTON", "EDIT", "STATIC"
   const char *text;
-  int16_t x, y, cx, cy;     // dialog units
+  int16_t x, y, cx, cy; // dialog units
   uint32_t style;
   uint32_t exStyle;
 };
@@ -28,20 +28,20 @@ struct DialogTemplate {
   uint32_t id;
   uint32_t style;
   uint32_t exStyle;
-  int16_t x, y, cx, cy;     // dialog units
-  const char *caption;      // "" when none
-  const char *fontName;     // "" when none
+  int16_t x, y, cx, cy; // dialog units
+  const char *caption;  // "" when none
+  const char *fontName; // "" when none
   uint16_t pointSize;
   uint8_t charset;
-  uint8_t extended;         // 1 for DIALOGEX
+  uint8_t extended; // 1 for DIALOGEX
   const DialogItem *items;
   uint32_t itemCount;
 };
 
 struct ResourceTable {
-  const ResourceString *strings;  // sorted by id
+  const ResourceString *strings; // sorted by id
   uint32_t stringCount;
-  const DialogTemplate *dialogs;  // sorted by id
+  const DialogTemplate *dialogs; // sorted by id
   uint32_t dialogCount;
 };
 
@@ -52,4 +52,3 @@ struct ResourceTable {
 // Null when neither has it.
 const ResourceString *findString(HINSTANCE module, UINT id);
 const DialogTemplate *findDialog(HINSTANCE module, UINT id);
-

@@ -1,7 +1,9 @@
 // CStringList: the node list behind the agent's mailbox and file lists.
 #include "StringList.h"
 
-CStringList::~CStringList() { RemoveAll(); }
+CStringList::~CStringList() {
+  RemoveAll();
+}
 
 POSITION CStringList::AddTail(const CString &text) {
   auto *node = new CStringListNode{nullptr, tail_, text};
@@ -26,9 +28,13 @@ const CString &CStringList::GetNext(POSITION &position) const {
   return node->data;
 }
 
-CString &CStringList::GetAt(POSITION position) { return position->data; }
+CString &CStringList::GetAt(POSITION position) {
+  return position->data;
+}
 
-const CString &CStringList::GetAt(POSITION position) const { return position->data; }
+const CString &CStringList::GetAt(POSITION position) const {
+  return position->data;
+}
 
 void CStringList::RemoveAt(POSITION position) {
   if (position->prev)

@@ -45,6 +45,6 @@ ZoneSource ZoneSource::now() {
 }
 
 bool ZoneSource::operator==(const ZoneSource &other) const {
-  return set == other.set && text == other.text && device == other.device &&
-         inode == other.inode && written == other.written;
+  return set == other.set && text == other.text && device == other.device && inode == other.inode &&
+         written == other.written;
 }

@@ -2,8 +2,8 @@
 // the client's own key.
 #include "agent/Agent.h"
 
-#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
+#include "include/tuk/AgentLog.h"
 #include "settings/PropPage.h"
 
 AGENT_LOG_SOURCE(".\\Agent");

@@ -2,8 +2,8 @@
 // the attachments directory that eudora.ini in the mail directory names.
 #include "agent/EudAgent.h"
 
-#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
+#include "include/tuk/AgentLog.h"
 #include "platform/Profile.h"
 #include "resources/resource.h"
 

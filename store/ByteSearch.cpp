@@ -254,7 +254,9 @@ uint32_t findRepeatedLineEnd(const unsigned char *bytes, uint32_t from, uint32_t
 
 namespace {
 
-uint32_t distance(uint32_t a, uint32_t b) { return a > b ? a - b : b - a; }
+uint32_t distance(uint32_t a, uint32_t b) {
+  return a > b ? a - b : b - a;
+}
 
 } // namespace
 

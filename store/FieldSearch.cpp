@@ -33,9 +33,9 @@ bool spells(const unsigned char *text, const char *name, uint32_t length) {
 
 struct Name {
   const char *text;
-  uint32_t length;    // at least 1
-  uint32_t lastStart; // the last index at which the whole name fits the block
-  int index;          // which result it fills
+  uint32_t length;      // at least 1
+  uint32_t lastStart;   // the last index at which the whole name fits the block
+  int index;            // which result it fills
   unsigned char second; // the second byte in lower case, 0 for a name of one byte
 };
 

@@ -30,7 +30,9 @@ struct MonthNames {
 };
 MonthNames months;
 
-bool isDigit(char ch) { return ch >= '0' && ch <= '9'; }
+bool isDigit(char ch) {
+  return ch >= '0' && ch <= '9';
+}
 
 // atoi over the bytes from `p` to `end`, without its undefined overflow: leading white space,
 // a sign, digits; clamped to 32 bits. A zero byte ends the number as it ends a C string.

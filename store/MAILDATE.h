@@ -18,8 +18,8 @@ public:
   int32_t getMinute() const { return valid ? minute : -1; }
   int32_t getSecond() const { return valid ? second : -1; }
   int32_t getDay() const { return valid ? day : -1; }
-  int32_t getMonth() const { return valid ? month : -1; }  // January is 0
-  int32_t getYear() const { return valid ? year : -1; }    // years since 1900
+  int32_t getMonth() const { return valid ? month : -1; } // January is 0
+  int32_t getYear() const { return valid ? year : -1; }   // years since 1900
 
   // Token starts, then the text's length behind the last entered token. Only the first
   // kMaxTokens tokens are entered; a time may still be found behind the last of them.

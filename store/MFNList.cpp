@@ -49,8 +49,9 @@ int walkLevel(FileLevels &levels, int level, const CString &search) {
   const size_t firstNew = entries.size();
   do {
     const bool dots = std::string(found.cFileName) == "." || std::string(found.cFileName) == "..";
-    const FileKind kind = dots ? FILE_DOTS
-                               : (found.dwFileAttributes & 0x10) ? FILE_DIRECTORY : FILE_PLAIN;
+    const FileKind kind = dots                              ? FILE_DOTS
+                          : (found.dwFileAttributes & 0x10) ? FILE_DIRECTORY
+                                                            : FILE_PLAIN;
     entries.push_back({makeEntryName(search, found.cFileName, kind == FILE_DIRECTORY), kind});
   } while (FindNextFileA(listing, &found));
   FindClose(listing);

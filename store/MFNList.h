@@ -42,4 +42,3 @@ private:
 
   POSITION cursor = nullptr;
 };
-

@@ -1,8 +1,8 @@
 // Header and property names, their overrides, and the header field search.
 #include "store/MailHeaders.h"
 
-#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
+#include "include/tuk/AgentLog.h"
 #include "resources/resource.h"
 #include "store/ByteSearch.h"
 #include "store/FieldSearch.h"
@@ -79,8 +79,10 @@ uint32_t fieldValueLength(int32_t index, const unsigned char *start, uint32_t he
   return findLineEnd(start, from, headerLength) - from;
 }
 
-void extractField(CString &field, int32_t index, const unsigned char *start, uint32_t headerLength) {
+void extractField(CString &field, int32_t index, const unsigned char *start,
+                  uint32_t headerLength) {
   field.Empty();
   const uint32_t length = fieldValueLength(index, start, headerLength);
-  field.Append(reinterpret_cast<const char *>(start) + (length ? index : 0), static_cast<int>(length));
+  field.Append(reinterpret_cast<const char *>(start) + (length ? index : 0),
+               static_cast<int>(length));
 }

@@ -15,7 +15,7 @@ extern CString propAuthor;
 extern CString propTo;
 extern CString propFrom;
 extern CString propCc;
-extern CString hdrSubject;  // "\nSubject:"
+extern CString hdrSubject; // "\nSubject:"
 extern CString hdrDate;
 extern CString hdrTo;
 extern CString hdrFrom;

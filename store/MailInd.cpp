@@ -1,8 +1,8 @@
 // CMailIndex: the mailbox list and the one open mail file of a walk.
 #include "store/MailInd.h"
 
-#include "include/tuk/AgentLog.h"
 #include "cmn/Registry.h"
+#include "include/tuk/AgentLog.h"
 #include "store/MailMsg.h"
 
 AGENT_LOG_SOURCE(".\\MailInd");

@@ -47,8 +47,8 @@ public:
   int verifyChecksum(const uint32_t &sum) const;
   // The date for mktime: day, month from 0, years since 1900, hour, minute, second. A message
   // without a readable date gives 1 February 1971, 00:00:00.
-  void getDateFields(int32_t *day, int32_t *month, int32_t *year, int32_t *hour,
-                     int32_t *minute, int32_t *second) const;
+  void getDateFields(int32_t *day, int32_t *month, int32_t *year, int32_t *hour, int32_t *minute,
+                     int32_t *second) const;
 
   void getTo(CString &out) const { out = to; }
   void getFrom(CString &out) const { out = from; }
@@ -73,7 +73,7 @@ public:
   CString date;
   CString subject;
   CString mailbox;
-  MallocPtr<unsigned char> body;  // bodyLength bytes and a zero, or null for an empty body
+  MallocPtr<unsigned char> body; // bodyLength bytes and a zero, or null for an empty body
 
 private:
   // init without `mailboxPath` is initRecord.

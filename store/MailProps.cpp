@@ -1,8 +1,8 @@
 // CMailMsg::getProperties: the property block of a message; and the table of property names.
 #include "store/MailProps.h"
 
-#include "include/tuk/AgentAbi.h"
 #include "cmn/Acdr.h"
+#include "include/tuk/AgentAbi.h"
 #include "store/MailHeaders.h"
 #include "store/MailMsg.h"
 
@@ -13,9 +13,8 @@ namespace {
 enum : unsigned long { kTextType = 1, kTitleType = 2 };
 
 // The seven names in their fixed order.
-const CString *const propertyNames[kPropertyCount] = {&propSubject, &propTitle, &propLocation,
-                                                      &propTo,      &propFrom,  &propCc,
-                                                      &propAuthor};
+const CString *const propertyNames[kPropertyCount] = {
+    &propSubject, &propTitle, &propLocation, &propTo, &propFrom, &propCc, &propAuthor};
 
 // The pointers of the name table are the build's: 28 bytes on the 32-bit interface.
 static_assert(sizeof(void *) != 4 || kPropertyCount * sizeof(char *) == 28, "32-bit name table");

@@ -55,7 +55,8 @@ bool equalsNoCase(std::string_view text, const char *name) {
 }
 
 bool startsWithNoCase(std::string_view text, std::string_view prefix) {
-  return text.size() >= prefix.size() && strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
+  return text.size() >= prefix.size() &&
+         strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
 }
 
 bool asciiCompatible(std::string_view charset) {

@@ -49,9 +49,9 @@ std::vector<HeaderField> headerFields(std::string_view block) {
     if (isBlank(text.front())) {
       if (continuing) {
         HeaderField &field = fields.back();
-        field.value = std::string_view(field.value.data(),
-                                       static_cast<size_t>(line.data() + text.size() -
-                                                           field.value.data()));
+        field.value =
+            std::string_view(field.value.data(),
+                             static_cast<size_t>(line.data() + text.size() - field.value.data()));
       }
     } else if (const size_t length = nameLength(text)) {
       fields.push_back({text.substr(0, length), text.substr(length + 1)});

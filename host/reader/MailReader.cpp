@@ -94,9 +94,8 @@ private:
     const int count = g_mime_multipart_get_count(multipart);
     if (count <= 0)
       return;
-    const char *const subtype =
-        g_mime_content_type_get_media_subtype(g_mime_object_get_content_type(
-            GMIME_OBJECT(multipart)));
+    const char *const subtype = g_mime_content_type_get_media_subtype(
+        g_mime_object_get_content_type(GMIME_OBJECT(multipart)));
     if (equalsNoCase(subtype, "alternative")) {
       // The plain text where there is one; else the last, richest alternative.
       for (int i = 0; i < count; ++i) {
@@ -149,8 +148,8 @@ private:
       return;
     TransferDecoder decoder(
         orEmpty(g_mime_content_encoding_to_string(g_mime_data_wrapper_get_encoding(content))));
-    const std::unique_ptr<char, decltype(&g_free)> mimeType(
-        g_mime_content_type_get_mime_type(type), &g_free);
+    const std::unique_ptr<char, decltype(&g_free)> mimeType(g_mime_content_type_get_mime_type(type),
+                                                            &g_free);
     MailAttachment found;
     std::string decoded;
     decodeStream(g_mime_data_wrapper_get_stream(content), decoder, [&](std::string_view piece) {

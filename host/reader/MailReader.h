@@ -12,8 +12,8 @@
 #include <vector>
 
 struct MailAttachment {
-  std::string name; // the file name (RFC 2231 and encoded words decoded); may be empty
-  std::string type; // "application/pdf"
+  std::string name;  // the file name (RFC 2231 and encoded words decoded); may be empty
+  std::string type;  // "application/pdf"
   uint64_t size = 0; // of the decoded content
 };
 

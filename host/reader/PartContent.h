@@ -1,8 +1,8 @@
 // The content of one MIME leaf: transfer decoding and its text in UTF-8.
 #pragma once
 
-#include <cstdint>
 #include "host/reader/MailReader.h"
+#include <cstdint>
 
 #include <gmime/gmime.h>
 

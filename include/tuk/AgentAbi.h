@@ -75,9 +75,9 @@ typedef struct {
   /* The client's display name, in the language chosen; "" for an agent key that names no
    * client. Valid until the next initAgent or the library's unloading. */
   const char *agentName;
-  uint32_t fixedWord1;   /* 0x10001 */
-  uint32_t fixedWord2;   /* 1 */
-  uint32_t fixedWord3;   /* 1 */
+  uint32_t fixedWord1; /* 0x10001 */
+  uint32_t fixedWord2; /* 1 */
+  uint32_t fixedWord3; /* 1 */
 } AgentResult;
 
 /* The record that names one message; the host stores it and hands it back, in this life of
@@ -101,10 +101,10 @@ typedef struct {
 /* Results of the entries. */
 enum AgentStatus {
   StatusOk = 0,
-  StatusNoExtensions = 2,      /* ERROR_FILE_NOT_FOUND */
-  StatusNoMoreObjects = 18,    /* ERROR_NO_MORE_FILES */
-  StatusOpenFailed = 110,      /* ERROR_OPEN_FAILED */
-  StatusBufferTooSmall = 122,  /* ERROR_INSUFFICIENT_BUFFER */
+  StatusNoExtensions = 2,     /* ERROR_FILE_NOT_FOUND */
+  StatusNoMoreObjects = 18,   /* ERROR_NO_MORE_FILES */
+  StatusOpenFailed = 110,     /* ERROR_OPEN_FAILED */
+  StatusBufferTooSmall = 122, /* ERROR_INSUFFICIENT_BUFFER */
   StatusMailFileFailed = -1,
   StatusBadSignature = -4,
   StatusSeekOutOfRange = -8,

@@ -11,13 +11,13 @@
 
 #include <cstdint>
 
-extern LogSink logSink;      // copied from the host by a first initialisation
-extern uint32_t logEnabled;  // 0: off; any other value: on
+extern LogSink logSink;     // copied from the host by a first initialisation
+extern uint32_t logEnabled; // 0: off; any other value: on
 
 #define AGENT_LOG_SOURCE(name) [[maybe_unused]] static const char logSource[] = name
 
-#define AGENT_LOG(...)                                                                      \
-  do {                                                                                      \
-    if (logEnabled && logSink)                                                              \
-      logSink(0, logSource, __LINE__, __VA_ARGS__);                                         \
+#define AGENT_LOG(...)                                                                             \
+  do {                                                                                             \
+    if (logEnabled && logSink)                                                                     \
+      logSink(0, logSource, __LINE__, __VA_ARGS__);                                                \
   } while (0)

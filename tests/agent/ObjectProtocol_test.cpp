@@ -7,12 +7,20 @@
 #include <sys/stat.h>
 
 namespace {
-const TestMessage kUndated = {"", "ann@example.org", "bob@example.org", "", "Hello",
-                              "The body.\nFrom here to there and back\n"};
-const TestMessage kDated = {"7 May 1997 11:02:33 GMT", "cy@example.org", "ann@example.org", "",
-                            "Second", std::string("Zero \0 byte\n\n>From quoted\n", 26)};
-const TestMessage kWork = {"Wed, 7 May 1997 11:02:33 +0000", "dan@example.org", "ann@example.org",
-                           "", "Work", "Work mail\n"};
+const TestMessage kUndated = {"", "ann@example.org", "bob@example.org",
+                              "", "Hello",           "The body.\nFrom here to there and back\n"};
+const TestMessage kDated = {"7 May 1997 11:02:33 GMT",
+                            "cy@example.org",
+                            "ann@example.org",
+                            "",
+                            "Second",
+                            std::string("Zero \0 byte\n\n>From quoted\n", 26)};
+const TestMessage kWork = {"Wed, 7 May 1997 11:02:33 +0000",
+                           "dan@example.org",
+                           "ann@example.org",
+                           "",
+                           "Work",
+                           "Work mail\n"};
 constexpr int32_t kNoDateTime = 34214400; // 1 February 1971, 00:00:00 UTC
 constexpr int32_t kDatedTime = 863002953; // 7 May 1997 11:02:33 UTC
 
@@ -134,10 +142,10 @@ TEST_F(KeepObject, GoesByTheMailboxStamp) {
   setFileTime(path, 1000000);
   RecordBuffer record(path, 0, 4, 0, 1000000);
   EXPECT_EQ(1, entries().keepObject(record.get(), 0));
-  EXPECT_EQ(1, entries().keepObject(record.get(), 0xFFFFFFFF));  // the word is not read
+  EXPECT_EQ(1, entries().keepObject(record.get(), 0xFFFFFFFF)); // the word is not read
   setFileTime(path, 1000001);
   EXPECT_EQ(0, entries().keepObject(record.get(), 0));
-  setFileTime(path, 999999);  // a stamp that went backwards still counts as kept
+  setFileTime(path, 999999); // a stamp that went backwards still counts as kept
   EXPECT_EQ(1, entries().keepObject(record.get(), 0));
 }
 } // namespace

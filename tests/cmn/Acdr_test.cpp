@@ -9,10 +9,12 @@ using Bytes = std::vector<unsigned char>;
 
 // A property in little: the count, a name, an empty value and a type code. The empty string
 // leaves the type code three bytes short of alignment.
-void writeSample(ACDR &out) { out << 7L << CString("subject") << CString("") << 1UL; }
+void writeSample(ACDR &out) {
+  out << 7L << CString("subject") << CString("") << 1UL;
+}
 
-const Bytes kLittleEndianSample = {7, 0, 0, 0,  8, 0, 0, 0,  's', 'u', 'b', 'j', 'e', 'c', 't', 0,
-                                   1, 0, 0, 0,  0, 0, 0, 0,  1, 0, 0, 0};
+const Bytes kLittleEndianSample = {7,   0, 0, 0, 8, 0, 0, 0, 's', 'u', 'b', 'j', 'e', 'c',
+                                   't', 0, 1, 0, 0, 0, 0, 0, 0,   0,   1,   0,   0,   0};
 
 Bytes encode(void (*write)(ACDR &), int byteOrder, unsigned int size) {
   Bytes buffer(size);
@@ -26,8 +28,8 @@ TEST(AcdrTest, LongsAreThirtyTwoBitsAndStringsEndAtTheirFirstZero) {
   const auto write = [](ACDR &out) {
     out << static_cast<long>((1LL << 32) | 5) << -2L << 0xFFFFFFFFUL << CString("ab\0cd", 5);
   };
-  const Bytes expected = {5, 0, 0, 0,  0xFE, 0xFF, 0xFF, 0xFF,  0xFF, 0xFF, 0xFF, 0xFF,
-                          3, 0, 0, 0,  'a', 'b', 0};
+  const Bytes expected = {5,    0,    0, 0, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                          0xFF, 0xFF, 3, 0, 0,    0,    'a',  'b',  0};
   EXPECT_EQ(expected, encode(write, 1, 64));
 }
 
@@ -50,8 +52,8 @@ TEST(AcdrTest, SmallBufferGetsNothingPastItsEndAndGetUsedCountsAll) {
     EXPECT_TRUE((size < 8 || size >= 16) ||
                 Bytes(4, kUntouched) == Bytes(buffer.begin() + 4, buffer.begin() + 8));
   }
-  ACDR sizing(nullptr, 0, 0, 1, 0);  // how a host learns the size it needs
+  ACDR sizing(nullptr, 0, 0, 1, 0); // how a host learns the size it needs
   writeSample(sizing);
   EXPECT_EQ(full, sizing.getUsed());
 }
-}  // namespace
+} // namespace

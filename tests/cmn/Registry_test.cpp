@@ -50,7 +50,8 @@ TEST_F(RegistryTest, MissingFileIsEmptyAndWritesMakeFileAndFolders) {
 }
 
 TEST_F(RegistryTest, StringsKeepEveryByteThroughEscapes) {
-  const std::string awkward = "C:\\mail\\\"box\"\\ Gr\xC3\xBC\xC3\x9F" "e \xE6\x97\xA5 \\\\";
+  const std::string awkward = "C:\\mail\\\"box\"\\ Gr\xC3\xBC\xC3\x9F"
+                              "e \xE6\x97\xA5 \\\\";
   ASSERT_NE(0, SetRegValue(kKey, "odd\"name\\", CString(awkward.c_str())));
   EXPECT_EQ(awkward, readString(kKey, "odd\"name\\"));
   EXPECT_NE(std::string::npos,
@@ -122,7 +123,7 @@ TEST_F(RegistryTest, LastOccurrenceWinsAndIsTheOneReplaced) {
                                  "[k]\n\"v\"=\"two\"\n\"h\"=hex(2):41,00\n; end of k\n\n"
                                  "[Other]\n\"V\"=\"other\"\n");
   EXPECT_EQ("two", readString("K", "V"));
-  EXPECT_EQ("<unread>", readString("K", "H"));  // the later hex value hides the string
+  EXPECT_EQ("<unread>", readString("K", "H")); // the later hex value hides the string
   ASSERT_NE(0, SetRegValue("K", "V", CString("three")));
   ASSERT_NE(0, SetRegValue("K", "H", CString("text")));
   ASSERT_NE(0, SetRegValue("K", "New", 1));
@@ -166,9 +167,9 @@ TEST_F(RegistryTest, FileFallsBackToXdgConfigThenHome) {
     ASSERT_NE(0, SetRegValue("K", "Where", CString("xdg")));
     EXPECT_EQ("xdg", readString("K", "Where"));
   }
-  for (const std::optional<std::string> &config : {std::optional<std::string>(),
-                                                   std::optional<std::string>(""),
-                                                   std::optional<std::string>("relative")}) {
+  for (const std::optional<std::string> &config :
+       {std::optional<std::string>(), std::optional<std::string>(""),
+        std::optional<std::string>("relative")}) {
     ScopedEnvironment ignored("XDG_CONFIG_HOME", config);
     EXPECT_EQ(dir_.file("home/.config/tuk/registry.reg"), registryFilePath().GetString());
   }
@@ -211,4 +212,4 @@ TEST_F(RegistryTest, ASecondWriteRefusedAtAnyStepLeavesTheFirstWhole) {
     EXPECT_FALSE(fileExists(registry_ + ".tmp"));
   }
 }
-}  // namespace
+} // namespace

@@ -30,7 +30,7 @@ TEST(HostDemoTest, RunsEveryStepOnAllFourClientsInItsOwnFolder) {
   EXPECT_FALSE(fileExists(fixture.registry));
   EXPECT_FALSE(fileExists(fixture.dir.file("data/tuk/mhhost.db")));
   // A folder that holds something already is not the demo's.
-  EXPECT_TRUE(refused(fixture.hostAlone({"demo", "--dir", folder}, environment), 1,
-                      "not an empty folder"));
+  EXPECT_TRUE(
+      refused(fixture.hostAlone({"demo", "--dir", folder}, environment), 1, "not an empty folder"));
 }
 } // namespace

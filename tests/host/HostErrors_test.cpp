@@ -7,22 +7,37 @@
 #include <unistd.h>
 
 namespace {
-const TestMessage kNote = {"Thu, 15 Jan 1998 10:30:45 +0000", "Ann Lee <ann@example.org>",
-                           "team@example.org", "", "Status note", "All is well.\n"};
+const TestMessage kNote = {"Thu, 15 Jan 1998 10:30:45 +0000",
+                           "Ann Lee <ann@example.org>",
+                           "team@example.org",
+                           "",
+                           "Status note",
+                           "All is well.\n"};
 
 class HostErrorsTest : public HostFixture, public ::testing::Test {};
 
 TEST_F(HostErrorsTest, UsageErrorsExitWithTwo) {
   const std::vector<std::vector<std::string>> wrong = {
-      {}, {"frobnicate"}, {"index", "--frob"}, {"index", "--json"}, {"--client", "mutt", "index"},
+      {},
+      {"frobnicate"},
+      {"index", "--frob"},
+      {"index", "--json"},
+      {"--client", "mutt", "index"},
       {"--key", "Software\\Tuk\\Agents\\MHMutt", "index"},
-      {"--client", "eudora", "--key", "Software\\X\\MHEudora", "index"}, {"list"},
+      {"--client", "eudora", "--key", "Software\\X\\MHEudora", "index"},
+      {"list"},
       {"config", "--client", "eudora"},
       {"config", "--client", "netscape", "--mail-dir", "/tmp", "--attachments", "on"},
       {"config", "--client", "eudora", "--mail-dir", "/tmp", "--attachments", "maybe"},
-      {"search"}, {"--language", "QQ", "search", "x"}, {"search", "x", "--limit", "0"},
-      {"search", "x", "--since", "yesterday"}, {"search", "x", "--until", "1998-13-01"},
-      {"search", "x", "--db"}, {"show", "first"}, {"cat"}, {"index", "--stats=yes"}};
+      {"search"},
+      {"--language", "QQ", "search", "x"},
+      {"search", "x", "--limit", "0"},
+      {"search", "x", "--since", "yesterday"},
+      {"search", "x", "--until", "1998-13-01"},
+      {"search", "x", "--db"},
+      {"show", "first"},
+      {"cat"},
+      {"index", "--stats=yes"}};
   for (const std::vector<std::string> &arguments : wrong) {
     SCOPED_TRACE(::testing::PrintToString(arguments));
     const HostResult run = host(arguments);
@@ -183,7 +198,8 @@ TEST_F(HostErrorsTest, WhatTheMailHoldsIsShownNeverObeyed) {
   TestMessage odd = kNote;
   odd.subject = std::string("Quote \" back\\slash tab\t bell\x07 caf\xc3\xa9 latin\xe9 end");
   odd.from = "\"Lee, Ann\" <ann@example.org>";
-  odd.body = "red \x1b[31mink\x1b[0m, a title \x1b]0;owned\x07 and a C1 \xc2\x9b" "2J clear\n";
+  odd.body = "red \x1b[31mink\x1b[0m, a title \x1b]0;owned\x07 and a C1 \xc2\x9b"
+             "2J clear\n";
   indexMailbox({odd});
   const std::vector<JsonObject> hits = searchJson("quote");
   ASSERT_EQ(1u, hits.size());

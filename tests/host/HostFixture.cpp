@@ -21,15 +21,17 @@ std::string lastLine(const std::string &text) {
 ::testing::AssertionResult indexed(const HostResult &run, const std::string &counts) {
   if (run.status == 0 && lastLine(run.out).rfind("indexed: " + counts, 0) == 0)
     return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << "status " << run.status << ", not \"indexed: " << counts
-                                       << "\":\n" << run.out << run.err;
+  return ::testing::AssertionFailure()
+         << "status " << run.status << ", not \"indexed: " << counts << "\":\n"
+         << run.out << run.err;
 }
 
 ::testing::AssertionResult refused(const HostResult &run, int status, const std::string &said) {
   if (run.status == status && run.err.find(said) != std::string::npos)
     return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << "status " << run.status << ", not " << status
-                                       << " with \"" << said << "\":\n" << run.err;
+  return ::testing::AssertionFailure()
+         << "status " << run.status << ", not " << status << " with \"" << said << "\":\n"
+         << run.err;
 }
 
 HostFixture::HostFixture()
@@ -42,8 +44,8 @@ HostResult HostFixture::host(const std::vector<std::string> &arguments, const st
   return runProgram(TUK_MHHOST, all, {}, input, kind);
 }
 
-HostResult HostFixture::hostOk(const std::vector<std::string> &arguments,
-                               const std::string &input, Input kind) {
+HostResult HostFixture::hostOk(const std::vector<std::string> &arguments, const std::string &input,
+                               Input kind) {
   const HostResult run = host(arguments, input, kind);
   EXPECT_EQ(0, run.status) << arguments.back() << ": " << run.err;
   return run;

@@ -8,23 +8,38 @@
 
 namespace {
 const TestMessage kQuarterly = {
-    "Thu, 15 Jan 1998 10:30:45 +0000", "Ann Lee <ann@example.org>", "team@example.org",
-    "bob@example.org", "Quarterly report draft",
+    "Thu, 15 Jan 1998 10:30:45 +0000",
+    "Ann Lee <ann@example.org>",
+    "team@example.org",
+    "bob@example.org",
+    "Quarterly report draft",
     "The draft of the quarterly report is ready.\nFrom what I hear the numbers are good.\n"};
-const TestMessage kCorrections = {"Fri, 16 Jan 1998 08:15:02 +0000", "Bob Stone <bob@example.org>",
-                                  "ann@example.org", "", "Corrections",
+const TestMessage kCorrections = {"Fri, 16 Jan 1998 08:15:02 +0000",
+                                  "Bob Stone <bob@example.org>",
+                                  "ann@example.org",
+                                  "",
+                                  "Corrections",
                                   "Two corrections on page three.\n"};
-const TestMessage kLunch = {"Wed, 7 May 1997 11:02:33 +0000", "Carol Diaz <carol@example.net>",
-                            "ann@example.org", "dave@example.com", "Lunch on Friday",
+const TestMessage kLunch = {"Wed, 7 May 1997 11:02:33 +0000",
+                            "Carol Diaz <carol@example.net>",
+                            "ann@example.org",
+                            "dave@example.com",
+                            "Lunch on Friday",
                             "Are you free for lunch?\n"};
-const TestMessage kAppended = {"Sat, 17 Jan 1998 09:00:00 +0000", "Fay Wu <fay@example.org>",
-                               "ann@example.org", "", "Appended later",
+const TestMessage kAppended = {"Sat, 17 Jan 1998 09:00:00 +0000",
+                               "Fay Wu <fay@example.org>",
+                               "ann@example.org",
+                               "",
+                               "Appended later",
                                "A message that came after the first run.\n"};
-const TestMessage kGarden = {"Mon, 2 Feb 1998 09:00:00 +0000", "Erik Berg <erik@example.se>",
-                             "garden@example.org", "", "Garden meeting",
+const TestMessage kGarden = {"Mon, 2 Feb 1998 09:00:00 +0000",
+                             "Erik Berg <erik@example.se>",
+                             "garden@example.org",
+                             "",
+                             "Garden meeting",
                              "Meeting about tomatoes and compost.\n"};
-const TestMessage kUndated = {"", "Dan <dan@example.com>", "ann@example.org", "", "Undated note",
-                              "No date here.\n"};
+const TestMessage kUndated = {"", "Dan <dan@example.com>", "ann@example.org",
+                              "", "Undated note",          "No date here.\n"};
 
 class HostStoreTest : public HostFixture, public ::testing::TestWithParam<std::string> {
 protected:

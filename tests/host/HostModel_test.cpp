@@ -5,13 +5,13 @@
 #include "tests/support/ClientStores.h"
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <random>
-#include <csignal>
 #include <sqlite3.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -319,10 +319,10 @@ TEST_P(HostModelTest, AnIndexKeptUpToDateEqualsAFreshOne) {
     const HostResult kept = runProgram(TUK_MHHOST, indexRun());
     ASSERT_EQ(0, kept.status) << kept.err;
     const std::string difference = differenceFromFresh(indexRun(), fresh);
-    ASSERT_TRUE(difference.empty()) << "seed " << seed << ", " << client() << ", step " << step
-                                    << " (" << done << ")\n"
-                                    << difference << "changes:\n"
-                                    << history;
+    ASSERT_TRUE(difference.empty())
+        << "seed " << seed << ", " << client() << ", step " << step << " (" << done << ")\n"
+        << difference << "changes:\n"
+        << history;
   }
 }
 
@@ -359,7 +359,9 @@ TEST(HostKillTest, TwoRunsAtOnceOrOneKilledLeaveWhatOneRunMakes) {
   const auto start = std::chrono::steady_clock::now();
   ASSERT_EQ(0, runProgram(TUK_MHHOST, freshRun).status);
   const auto span = std::chrono::duration_cast<std::chrono::microseconds>(
-                        std::chrono::steady_clock::now() - start).count() + 1;
+                        std::chrono::steady_clock::now() - start)
+                        .count() +
+                    1;
   for (int round = 0; round < 8; ++round) {
     if (round % 2 == 0) {
       fs::remove(host.database); // a first run

@@ -7,8 +7,8 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
-#include <sstream>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>

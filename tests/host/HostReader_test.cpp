@@ -36,8 +36,8 @@ TEST_F(HostReaderTest, FindsEveryDecodedWordAndNoneOfTheEncoding) {
     for (const char *query : queries)
       EXPECT_EQ(only(query).strings["subject"], subject) << query;
   // Encodings, markup and the HTML alternative of a plain part are not text.
-  for (const char *absent : {"C3", "hippopota", "color", "nbsp", "tagword", "walrus", "UTF",
-                             "w5xiZXJ3ZWlzdW5n"})
+  for (const char *absent :
+       {"C3", "hippopota", "color", "nbsp", "tagword", "walrus", "UTF", "w5xiZXJ3ZWlzdW5n"})
     EXPECT_TRUE(searchJson(absent).empty()) << absent;
 }
 
@@ -65,8 +65,7 @@ TEST_F(HostReaderTest, DatesAreTrueTimesWithTheSendersZoneOrTheDelimiterLine) {
     EXPECT_EQ(hits.back().strings.at("subject"), "no date anywhere") << order;
   }
   // A range is on the true date, and leaves the undated out.
-  EXPECT_EQ(searchJson("xylophone", {"--since", "1998-01-15", "--until", "1998-01-15"}).size(),
-            1u);
+  EXPECT_EQ(searchJson("xylophone", {"--since", "1998-01-15", "--until", "1998-01-15"}).size(), 1u);
   EXPECT_TRUE(searchJson("quokka", {"--since", "1970-01-01"}).empty());
 }
 

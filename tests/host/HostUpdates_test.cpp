@@ -23,8 +23,8 @@ TEST(HostStoresTest, IndexReadsEveryStoreConfigSetUpAndStatusListsThem) {
     writeFile(local + "/" + folder.first + ".msf", "// <!-- <mdb:mork:z v=\"1.4\"/> -->\n");
   }
   writeFile(local + "/msgFilterRules.dat", "version=\"9\"\n");
-  fixture.hostOk({"config", "--client", "netscape", "--mail-dir", fixture.dir.file("one"),
-                  "--yes"});
+  fixture.hostOk(
+      {"config", "--client", "netscape", "--mail-dir", fixture.dir.file("one"), "--yes"});
   fixture.hostOk({"--key", second, "config", "--mail-dir", local, "--ctrl-ext", ".msf", "--yes"});
   HostResult status = fixture.host({"status"});
   EXPECT_TRUE(holds(status.out, "netscape\n  mail:     " + fixture.dir.file("one") +
@@ -41,10 +41,18 @@ TEST(HostStoresTest, IndexReadsEveryStoreConfigSetUpAndStatusListsThem) {
   EXPECT_EQ(std::string::npos, status.out.find("never")) << status.out;
 }
 
-const TestMessage kPets = {"Thu, 15 Jan 1998 10:30:45 +0000", "Ann <ann@example.org>",
-                           "bob@example.org", "", "Pets", "cat dog\n"};
-const TestMessage kPlants = {"Fri, 16 Jan 1998 10:30:45 +0000", "Bob <bob@example.org>",
-                             "ann@example.org", "", "Plants", "fern moss\n"};
+const TestMessage kPets = {"Thu, 15 Jan 1998 10:30:45 +0000",
+                           "Ann <ann@example.org>",
+                           "bob@example.org",
+                           "",
+                           "Pets",
+                           "cat dog\n"};
+const TestMessage kPlants = {"Fri, 16 Jan 1998 10:30:45 +0000",
+                             "Bob <bob@example.org>",
+                             "ann@example.org",
+                             "",
+                             "Plants",
+                             "fern moss\n"};
 
 class HostIdsTest : public HostFixture, public ::testing::Test {
 protected:
@@ -127,8 +135,8 @@ TEST_F(HostIdsTest, NewestFirstHoldsWhateverOrderTheDatesComeIn) {
   writeMailbox("eudora", dir.file("mail/Many"), many);
   ASSERT_EQ(0, index().status);
   const auto ids = [this](const std::string &order, const std::string &offset) {
-    return linesOf(host({"--client", "eudora", "search", "cat", "--sort", order, "--limit",
-                         "4000", "--offset", offset, "--output", "ids"})
+    return linesOf(host({"--client", "eudora", "search", "cat", "--sort", order, "--limit", "4000",
+                         "--offset", offset, "--output", "ids"})
                        .out);
   };
   const std::vector<std::string> newest = ids("newest", "0"), oldest = ids("oldest", "0");
@@ -136,9 +144,9 @@ TEST_F(HostIdsTest, NewestFirstHoldsWhateverOrderTheDatesComeIn) {
   EXPECT_EQ(idOf("cat date:2010"), std::stoll(newest.front()));
   EXPECT_TRUE(std::equal(newest.begin(), newest.end(), oldest.rbegin()));
   EXPECT_EQ(std::vector<std::string>(newest.begin() + 1234, newest.end()), ids("newest", "1234"));
-  EXPECT_EQ(std::vector<std::string>(newest.begin() + 5, newest.begin() + 25),
-            linesOf(host({"--client", "eudora", "search", "cat", "--offset", "5", "--output",
-                          "ids"})
-                        .out));
+  EXPECT_EQ(
+      std::vector<std::string>(newest.begin() + 5, newest.begin() + 25),
+      linesOf(
+          host({"--client", "eudora", "search", "cat", "--offset", "5", "--output", "ids"}).out));
 }
 } // namespace

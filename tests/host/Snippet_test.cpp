@@ -25,16 +25,15 @@ TEST(SnippetTest, MarksTheQuerysWordsInAWindowOfSixteenWords) {
   EXPECT_EQ("a [draft]", snippetOf("subject:draft", "a draft", "subject"));
   // Words that must not be found are not marked; a text without the words has no snippet.
   EXPECT_EQ("[cat] and dog", snippetOf("cat -dog", "cat and dog"));
-  EXPECT_EQ("[cat] and dog or [fern]", snippetOf("(cat OR fern) NOT (dog OR moss)",
-                                                 "cat and dog or fern"));
+  EXPECT_EQ("[cat] and dog or [fern]",
+            snippetOf("(cat OR fern) NOT (dog OR moss)", "cat and dog or fern"));
   EXPECT_EQ("", snippetOf("fern", "cat and dog"));
   // A window of sixteen words around the most matches.
   std::string text;
   for (int i = 0; i < 40; ++i)
     text += "w" + std::to_string(i) + (i == 20 || i == 22 ? " hit " : " ");
   const std::string snippet = snippetOf("hit", text);
-  EXPECT_EQ("...w15 w16 w17 w18 w19 w20 [hit] w21 w22 [hit] w23 w24 w25 w26 w27 w28...",
-            snippet);
+  EXPECT_EQ("...w15 w16 w17 w18 w19 w20 [hit] w21 w22 [hit] w23 w24 w25 w26 w27 w28...", snippet);
   EXPECT_EQ("w0 w1 [hit]", snippetOf("hit", "w0 w1 hit"));
 }
 

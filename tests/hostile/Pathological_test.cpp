@@ -1,11 +1,11 @@
 // Inputs built to make a linear scan quadratic or a read wait forever: each must end well
 // within a generous bound. They run in a child, so that a hang fails the test instead of the
 // run; the bounds catch a blow-up of orders of magnitude, not a slow machine.
-#include "include/tuk/AgentLog.h"
 #include "clients/Eudora.h"
 #include "clients/InternetMail.h"
 #include "clients/NSMFile.h"
 #include "clients/Pegasus.h"
+#include "include/tuk/AgentLog.h"
 #include "platform/Profile.h"
 #include "store/MAILDATE.h"
 #include "tests/support/AgentSession.h"
@@ -82,11 +82,13 @@ TEST_F(PathologicalTest, MailboxesOfOneRepeatedPatternScanInLinearTime) {
 TEST_F(PathologicalTest, NetscapeFromAfterFromOnOneLongLine) {
   for (const bool logged : {false, true}) {
     const std::string path = box(repeated("From", logged ? 1 << 19 : 2 << 20) + "\n");
-    EXPECT_TRUE(endsWithin(kBound, [&] {
-      logSink = formatIntoSmallBuffer;
-      logEnabled = logged;
-      return framedMessages<CNetscapeMailFile>(path) == 1;
-    })) << "log " << logged;
+    EXPECT_TRUE(endsWithin(kBound,
+                           [&] {
+                             logSink = formatIntoSmallBuffer;
+                             logEnabled = logged;
+                             return framedMessages<CNetscapeMailFile>(path) == 1;
+                           }))
+        << "log " << logged;
   }
 }
 

@@ -40,7 +40,7 @@ DWORD firstFindError(const std::string &pattern) {
   ScopedHandle search(FindFirstFileA(pattern.c_str(), &found));
   return search.valid() ? 0 : GetLastError();
 }
-}  // namespace
+} // namespace
 
 TEST(DirListTest, DotsComeFirstThenNamesInByteOrderOfTheirUpperCase) {
   TempDir dir;
@@ -50,7 +50,7 @@ TEST(DirListTest, DotsComeFirstThenNamesInByteOrderOfTheirUpperCase) {
     writeFile(dir.file(name), "");
   // Upper-cased, '_' (0x5F) and '[' (0x5B) sort behind every letter; names equal when
   // upper-cased fall back to their raw bytes; bytes from 0x80 up are not letters.
-  const std::vector<std::string> expected = {".",  "..", "A", "a", "AB", "Ab", "aB",
+  const std::vector<std::string> expected = {".",  "..", "A", "a", "AB", "Ab",      "aB",
                                              "ab", "b",  "Z", "[", "_x", "\xC3\xA9"};
   EXPECT_EQ(namesOf(listing(dir.path() + "/*.*")), expected);
 }

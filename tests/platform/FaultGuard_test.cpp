@@ -21,7 +21,9 @@
 #endif
 
 namespace {
-size_t pageSize() { return static_cast<size_t>(sysconf(_SC_PAGESIZE)); }
+size_t pageSize() {
+  return static_cast<size_t>(sysconf(_SC_PAGESIZE));
+}
 
 bool guardedRead(const unsigned char *at, unsigned char &value) {
   return runGuarded([&] { value = *at; });
@@ -87,7 +89,7 @@ bool diedOfBusError(int status) {
   return false;
 #endif
 }
-}  // namespace
+} // namespace
 
 TEST_F(TruncatedMapping, AReadPastTheNewEndFailsItsOwnGuardOnlyAndLaterReadsStillWork) {
   unsigned char value = 0;
@@ -196,4 +198,3 @@ TEST(FaultGuardDeathTest, ABusErrorNoGuardClaimsKillsOrGoesWhereItWentBefore) {
       },
       ::testing::ExitedWithCode(7), "");
 }
-

@@ -24,7 +24,9 @@ HANDLE mappingOf(HANDLE file) {
   return CreateFileMappingA(file, nullptr, PAGE_READONLY, 0, 0, nullptr);
 }
 
-void *viewOf(HANDLE mapping) { return MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0); }
+void *viewOf(HANDLE mapping) {
+  return MapViewOfFile(mapping, FILE_MAP_READ, 0, 0, 0);
+}
 
 int openDescriptorCount() {
   int count = 0;
@@ -41,7 +43,7 @@ DWORD openError(const std::string &path) {
   ScopedHandle file(openForReading(path));
   return file.valid() ? 0 : GetLastError();
 }
-}  // namespace
+} // namespace
 
 TEST(FilesTest, AViewTheSystemRefusesReportsWhyAndLeavesNothingOpen) {
   TempDir dir;
@@ -55,7 +57,7 @@ TEST(FilesTest, AViewTheSystemRefusesReportsWhyAndLeavesNothingOpen) {
     failNextFileOperations(FileOperation::MapView, ENOMEM);
     EXPECT_EQ(viewOf(mapping.get()), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
-    ScopedView view(viewOf(mapping.get()));  // the failure was for one call only
+    ScopedView view(viewOf(mapping.get())); // the failure was for one call only
     EXPECT_NE(view.get(), nullptr);
     // The refusals close what they opened on the way.
     EXPECT_NE(openError(dir.path()), 0u);

@@ -22,9 +22,9 @@ TEST(MessageBoxTest, TheUserSeesTheBoxAndOnlyItsButtonsCount) {
   // A box without a caption says "Error"; one whose owner is no window has none.
   const int32_t box = TUK_USER_MESSAGE_BOX;
   EXPECT_EQ((std::vector<ScriptedUser::Event>{{box, frame, "Again?", "Note", 0x25},
-                                               {box, 0, "x", "Error", MB_RETRYCANCEL},
-                                               {box, 0, "", "c", MB_OK},
-                                               {box, 0, "y", "c", MB_OK}}),
+                                              {box, 0, "x", "Error", MB_RETRYCANCEL},
+                                              {box, 0, "", "c", MB_OK},
+                                              {box, 0, "y", "c", MB_OK}}),
             user.events);
   tukFrameDestroy(frame);
 }

@@ -11,7 +11,9 @@ CModule firstModule = {nullptr, &firstModule, nullptr};
 CModule secondModule = {nullptr, &secondModule, nullptr};
 
 // Runs `body` on a thread of its own and waits for it.
-template <typename Body> void onNewThread(Body body) { std::thread(body).join(); }
+template <typename Body> void onNewThread(Body body) {
+  std::thread(body).join();
+}
 
 TEST(ModuleState, ScopesRestoreTheEarlierStateAndEachThreadHasItsOwn) {
   AFX_MODULE_STATE outer = {&firstModule, &firstModule, nullptr};
@@ -24,7 +26,7 @@ TEST(ModuleState, ScopesRestoreTheEarlierStateAndEachThreadHasItsOwn) {
       AFX_MAINTAIN_STATE innerScope(&inner);
       EXPECT_EQ(AfxGetResourceHandle(), &secondModule);
       if (pass == 0)
-        continue;  // leaving the scope early restores as well
+        continue; // leaving the scope early restores as well
     }
     EXPECT_EQ(AfxGetModuleState(), &outer);
   }
@@ -62,4 +64,4 @@ TEST(WinApp, HelpFilePathsArePrivateHeapStringsTheDestructorFrees) {
   EXPECT_STREQ(plain.m_pszHelpFilePath, "");
   EXPECT_STREQ(helpful.m_pszHelpFilePath, "/opt/help/mail.hlp");
 }
-}  // namespace
+} // namespace

@@ -37,7 +37,7 @@ const DialogTemplate kTestDialogs[] = {
      static_cast<uint32_t>(std::size(kPopupItems))},
 };
 const ResourceTable kTestResources = {nullptr, 0, kTestDialogs,
-                                             static_cast<uint32_t>(std::size(kTestDialogs))};
+                                      static_cast<uint32_t>(std::size(kTestDialogs))};
 CModule testModule = {&kTestResources, &testModule, nullptr};
 
 // Makes the test module current, as an entry of a library makes its own module current.

@@ -66,8 +66,8 @@ TEST(MailDatesTest, HeaderDatesInUtcAndDelimiterLinesInLocalTime) {
   for (const char *none : {"", "soon", "Thu, 15 Xyz 1998 10:30:45"})
     EXPECT_FALSE(parseHeaderDate(none, utc)) << none;
   struct tm local = {};
-  local.tm_year = 98, local.tm_mday = 15, local.tm_hour = 10, local.tm_min = 30,
-  local.tm_sec = 45, local.tm_isdst = -1;
+  local.tm_year = 98, local.tm_mday = 15, local.tm_hour = 10, local.tm_min = 30, local.tm_sec = 45,
+  local.tm_isdst = -1;
   const int64_t expected = mktime(&local);
   for (const char *line : {" Thu Jan 15 10:30:45 1998\r\n", "From - Thu Jan 15 10:30:45 1998"}) {
     ASSERT_TRUE(parseDelimiterDate(line, utc)) << line;
@@ -101,8 +101,9 @@ TEST(MailReaderTest, TextOfTheRightPartsAndAttachmentsByName) {
   // Uuencoded files in plain text are attachments too: "Cat" uuencoded, then a block without
   // its end line, which stays text.
   ReadMessage uu;
-  readMessage("Subject: uu\n\n", "See the file.\nbegin 644 cat.txt\n#0V%T\n`\nend\nBye.\n"
-                                  "begin 600 half.bin\n#0V%T\n",
+  readMessage("Subject: uu\n\n",
+              "See the file.\nbegin 644 cat.txt\n#0V%T\n`\nend\nBye.\n"
+              "begin 600 half.bin\n#0V%T\n",
               uu);
   EXPECT_EQ(uu.text, "See the file.\nBye.\nbegin 600 half.bin\n#0V%T\n");
   ASSERT_EQ(uu.attachments.size(), 1u);

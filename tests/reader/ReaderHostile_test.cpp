@@ -54,8 +54,7 @@ TEST(ReaderHostile, SamplesKeepTheTextTheyHold) {
     SCOPED_TRACE(file);
     const ReadMessage message =
         read(readFile(std::string(TUK_SOURCE_DIR "/tests/reader/cases/") + file));
-    const std::string all = message.subject + message.from + message.to + message.cc +
-                            message.text;
+    const std::string all = message.subject + message.from + message.to + message.cc + message.text;
     EXPECT_NE(all.find(kept), std::string::npos) << all;
   }
   // The words around the malformed encoded words stay in the subject.
@@ -82,8 +81,8 @@ TEST(ReaderHostile, DeepNestOfMultipartsKeepsItsInnermostText) {
 // One base64 line of 50 MB, with no line end to stop a reader that buffers lines.
 TEST(ReaderHostile, FiftyMegabyteBase64LineIsDecodedWhole) {
   const std::string plain = repeated("Fifty megabytes of text on one line. ", 1100000);
-  gchar *const encoded = g_base64_encode(reinterpret_cast<const guchar *>(plain.data()),
-                                         plain.size());
+  gchar *const encoded =
+      g_base64_encode(reinterpret_cast<const guchar *>(plain.data()), plain.size());
   const std::string line(encoded);
   g_free(encoded);
   ASSERT_GE(line.size(), 50u << 20);

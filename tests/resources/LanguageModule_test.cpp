@@ -32,7 +32,9 @@ struct ModuleFreer {
 };
 using LoadedModule = std::unique_ptr<CModule, ModuleFreer>;
 
-LoadedModule load(const std::string &name) { return LoadedModule(LoadLibraryA(name.c_str())); }
+LoadedModule load(const std::string &name) {
+  return LoadedModule(LoadLibraryA(name.c_str()));
+}
 
 std::string realPath(const std::string &path) {
   char resolved[PATH_MAX];
@@ -119,7 +121,8 @@ TEST_F(LanguageModule, StringsAndTemplatesComeFromTheModuleElseFromTheInstance) 
   EXPECT_EQ(textOf(findString(module.get(), 900)), std::string(escapes, sizeof escapes - 1));
   EXPECT_EQ(textOf(findString(module.get(), 901)), "// is text /* and so is this */");
   EXPECT_EQ(textOf(findString(module.get(), 6)), "Jnruary");
-  EXPECT_EQ(textOf(findString(module.get(), 21)), "Gr\xC3\xB6\xC3\x9F" "e");
+  EXPECT_EQ(textOf(findString(module.get(), 21)), "Gr\xC3\xB6\xC3\x9F"
+                                                  "e");
   const ResourceTable &table = *module->resources;
   for (uint32_t i = 1; i < table.stringCount; ++i)
     EXPECT_LT(table.strings[i - 1].id, table.strings[i].id);
@@ -135,4 +138,4 @@ TEST_F(LanguageModule, FreeLibraryReleasesOnlyWhatLoadLibraryLoaded) {
   // The state no longer points at the released module.
   EXPECT_EQ(AfxGetResourceHandle(), &agentTestModule);
 }
-}  // namespace
+} // namespace

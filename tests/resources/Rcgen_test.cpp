@@ -61,4 +61,4 @@ TEST(Rcgen, CompilesAScriptThatUsesAHeaderAndFailsBadOnesWithFileAndLine) {
     EXPECT_FALSE(run.wroteOutput);
   }
 }
-}  // namespace
+} // namespace

@@ -30,8 +30,9 @@ TEST_P(ClientPageTest, OpensHiddenInTheFrameShowingTheStoredDirectories) {
   EXPECT_EQ(mailDir, field(page, kMailEdit));
   EXPECT_EQ(exeDir, field(page, kExeEdit));
   // The controls in tab order; the page's OK and Cancel behind them.
-  std::vector<int32_t> ids, expected = {IDC_MAIL_LABEL, kMailEdit, kBrowseMail, IDC_EXE_LABEL,
-                                        kExeEdit, kBrowseExe, kAttachBox, TUK_ID_OK, TUK_ID_CANCEL};
+  std::vector<int32_t> ids,
+      expected = {IDC_MAIL_LABEL, kMailEdit,  kBrowseMail, IDC_EXE_LABEL, kExeEdit,
+                  kBrowseExe,     kAttachBox, TUK_ID_OK,   TUK_ID_CANCEL};
   for (const TukWindow child : childWindows(page))
     ids.push_back(windowInfo(child).id);
   if (client().key != allClients()[0].key)

@@ -120,8 +120,8 @@ TEST_F(ViewerLayoutTest, TheWindowGrowsAndShrinksByTheRulesButNeverBelowItsFirst
     EXPECT_EQ(457, window.bottom - window.top);
     EXPECT_EQ((1280 - 596) / 2, window.left);
     // The controls in tab order: To, CC, From, Date, Location, Subject, each behind its label.
-    const std::vector<int32_t> tabOrder = {kDone,     -1, kTo,       -1, kCc,      -1, kFrom, -1,
-                                           kDate,     -1, kLocation, -1, kSubject, kBody};
+    const std::vector<int32_t> tabOrder = {kDone, -1,    kTo, -1,        kCc, -1,       kFrom,
+                                           -1,    kDate, -1,  kLocation, -1,  kSubject, kBody};
     std::vector<int32_t> ids;
     for (const TukWindow child : childWindows(dialog))
       ids.push_back(windowInfo(child).id);

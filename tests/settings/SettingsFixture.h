@@ -3,13 +3,13 @@
 // frame to put pages in; and the numbers that tell the four clients apart.
 #pragma once
 
-#include "resources/resource.h"
 #include "cmn/Registry.h"
 #include "platform/WinTypes.h"
-#include "tests/support/ScopedEnvironment.h"
+#include "resources/resource.h"
 #include "tests/platform/ScriptedUser.h"
 #include "tests/support/AgentSession.h"
 #include "tests/support/LoadedAgent.h"
+#include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -18,8 +18,8 @@
 
 struct Client {
   const char *name;
-  std::string key;     // the agent key
-  const char *program; // the program file whose presence the page checks
+  std::string key;      // the agent key
+  const char *program;  // the program file whose presence the page checks
   int width, height;    // the page template's size in dialog units
   UINT stateTextIds[7]; // by check state; 0 where a state can't occur
   UINT captionId;

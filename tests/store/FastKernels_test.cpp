@@ -99,7 +99,10 @@ TEST(ChecksumKernels, CopyAndSumAgreeWithByteAtATimeAtEveryLengthAndAlignment) {
   EXPECT_EQ(0x64636261u, referenceChecksum("abcd"));
   atEachWidth([] {
     std::mt19937 random(9);
-    const Bytes source = randomBytes(random, 5000, std::string("\x00\x01\x7f\x80\xff" "abc", 8));
+    const Bytes source = randomBytes(random, 5000,
+                                     std::string("\x00\x01\x7f\x80\xff"
+                                                 "abc",
+                                                 8));
     for (size_t offset = 0; offset < 8; ++offset) {
       for (size_t length = 0; length + offset <= source.size(); length += length < 300 ? 1 : 977) {
         const unsigned char *start = source.data() + offset;

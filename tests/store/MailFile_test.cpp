@@ -104,7 +104,7 @@ TEST(ScanFormat, CountsConversionsAsSscanfDoesWithinItsBounds) {
   EXPECT_EQ(8, scan("From x y z 12 01:02:03 1998\r\n"));
   EXPECT_EQ(8, scan("From x y z 12 01:02:03 1998 and more words\n"));
   EXPECT_EQ(7, scan("From x y z 12 01:02:03\n"));
-  EXPECT_EQ(8, scan("Fromage y z 12 01:02:03 1998\n"));  // "age" is the first word
+  EXPECT_EQ(8, scan("Fromage y z 12 01:02:03 1998\n"));   // "age" is the first word
   EXPECT_EQ(3, scan("Fromage x y z 12 01:02:03 1998\n")); // %d meets "z"
   EXPECT_EQ(-1, scan("From "));
   EXPECT_EQ(0, scan("Frog x"));
@@ -154,9 +154,9 @@ TEST(ScanFormat, AgreesWithSscanfOnRandomLines) {
       line.insert(0, kLine, 0, random() % kLine.size());
     char words[3][200];
     int numbers[5];
-    const int expected = std::sscanf(line.c_str(), "From %199s %199s %199s %d %d:%d:%d %d\n",
-                                     words[0], words[1], words[2], &numbers[0], &numbers[1],
-                                     &numbers[2], &numbers[3], &numbers[4]);
+    const int expected =
+        std::sscanf(line.c_str(), "From %199s %199s %199s %d %d:%d:%d %d\n", words[0], words[1],
+                    words[2], &numbers[0], &numbers[1], &numbers[2], &numbers[3], &numbers[4]);
     ASSERT_EQ(expected, scan(line)) << "line: " << line;
   }
 }
@@ -200,12 +200,23 @@ Ranges referenceFrames(const std::string &file, const std::string &delimiter, ui
 // with and without the colons of a time, base64, and a line longer than any test of a line's
 // colons reaches.
 std::string randomMailbox(std::mt19937 &random, const std::string &delimiter) {
-  static const std::vector<std::string> pieces = {
-      "Subject: hi\r\n\r\nbody\r\n", "From: ann@example.org\n", "From what I hear\n",
-      "From x y z 12 01:02:03 1998\n", "From - Thu Jan 15 10:30:45 1998\n", "From a b c 1 2:3 4\n",
-      "QUJDRGVGZ2hpamtsbW5vcA==\n", "??@ ???@??? @???\n", "\n\n", "\n\x1a",
-      std::string("\x00\x7f\x00", 3), "Fr", "om ", ":", "\n",
-      "From " + std::string(300, 'x') + " y z 1 2:3:4 5\n"};
+  static const std::vector<std::string> pieces = {"Subject: hi\r\n\r\nbody\r\n",
+                                                  "From: ann@example.org\n",
+                                                  "From what I hear\n",
+                                                  "From x y z 12 01:02:03 1998\n",
+                                                  "From - Thu Jan 15 10:30:45 1998\n",
+                                                  "From a b c 1 2:3 4\n",
+                                                  "QUJDRGVGZ2hpamtsbW5vcA==\n",
+                                                  "??@ ???@??? @???\n",
+                                                  "\n\n",
+                                                  "\n\x1a",
+                                                  std::string("\x00\x7f\x00", 3),
+                                                  "Fr",
+                                                  "om ",
+                                                  ":",
+                                                  "\n",
+                                                  "From " + std::string(300, 'x') +
+                                                      " y z 1 2:3:4 5\n"};
   std::string bytes;
   const size_t count = random() % 40;
   for (size_t i = 0; i < count; ++i)

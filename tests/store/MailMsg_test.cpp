@@ -23,9 +23,9 @@ protected:
   }
   std::vector<std::unique_ptr<CMailMsg>> built_;
   static std::string body(const CMailMsg &message) {
-    return message.bodyLength ? std::string(reinterpret_cast<const char *>(message.body.get()),
-                                            message.bodyLength)
-                              : std::string();
+    return message.bodyLength
+               ? std::string(reinterpret_cast<const char *>(message.body.get()), message.bodyLength)
+               : std::string();
   }
 };
 

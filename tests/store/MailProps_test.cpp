@@ -73,7 +73,7 @@ TEST_F(MailPropsTest, SevenPropertiesWithSubjectAndSenderTwice) {
 
 TEST_F(MailPropsTest, NameTableHoldsPointersIntoItself) {
   const uint32_t pointers = 7 * sizeof(char *);
-  const uint32_t expectedSize = pointers + 41;  // 97 on this build, 69 with 4-byte pointers
+  const uint32_t expectedSize = pointers + 41; // 97 on this build, 69 with 4-byte pointers
   std::vector<unsigned char> table(128, 0xEE);
   uint32_t needed = 0, count = 99;
   EXPECT_EQ(122, getPropertyNames(table.data(), expectedSize - 1, &needed, &count));

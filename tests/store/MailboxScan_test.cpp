@@ -16,8 +16,7 @@ Names elements(const CStringList &list, const std::string &root) {
   Names out;
   for (POSITION at = list.GetHeadPosition(); at;) {
     const std::string text = list.GetNext(at).GetString();
-    out.push_back(text.compare(0, root.size(), root) == 0 ? "~" + text.substr(root.size())
-                                                          : text);
+    out.push_back(text.compare(0, root.size(), root) == 0 ? "~" + text.substr(root.size()) : text);
   }
   return out;
 }
@@ -41,9 +40,9 @@ TEST_F(MailboxScanTest, WalkListsLevelByLevel) {
   makeDirs(dir.file("A/S"));
   CStringList all;
   ASSERT_EQ(0, FindFiles(all, (dir.path() + "/*.*").c_str()));
-  const Names expected = {"~/.",   "~/..",   "~/A/",      "~/B/",    "~/x.mbx",
+  const Names expected = {"~/.",     "~/..",   "~/A/",      "~/B/",      "~/x.mbx",
                           "~/x.toc", "~/A/.",  "~/A/..",    "~/A/a.mbx", "~/A/S/",
-                          "~/B/.", "~/B/..", "~/B/b.toc", "~/A/S/.", "~/A/S/.."};
+                          "~/B/.",   "~/B/..", "~/B/b.toc", "~/A/S/.",   "~/A/S/.."};
   EXPECT_EQ(expected, elements(all, dir.path()));
 }
 

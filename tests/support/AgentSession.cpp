@@ -4,8 +4,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
-AgentSession::AgentSession(const std::string &agentKey, const std::string &language,
-                           LogSink sink) {
+AgentSession::AgentSession(const std::string &agentKey, const std::string &language, LogSink sink) {
   const AgentParams params = {agentKey.c_str(), sink, language.c_str(), 0, 0, 0};
   EXPECT_EQ(0, initAgent(&params, &result_));
 }

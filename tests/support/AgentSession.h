@@ -2,8 +2,8 @@
 // the code behind the entries (names, string table and module state as a host would have).
 #pragma once
 
-#include "include/tuk/AgentAbi.h"
 #include "agent/mhmail.h"
+#include "include/tuk/AgentAbi.h"
 
 #include <string>
 

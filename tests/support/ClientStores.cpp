@@ -45,8 +45,8 @@ Mailbox framed(const std::string &client, const std::vector<std::string> &texts)
       mailbox.bytes += "From - Thu Jan 15 10:30:45 1998\n";
     else if (i > 0)
       mailbox.bytes += "\n\n\x1a";
-    mailbox.ranges.push_back({static_cast<uint32_t>(mailbox.bytes.size()),
-                              static_cast<uint32_t>(texts[i].size())});
+    mailbox.ranges.push_back(
+        {static_cast<uint32_t>(mailbox.bytes.size()), static_cast<uint32_t>(texts[i].size())});
     mailbox.bytes += texts[i];
   }
   return mailbox;

@@ -22,8 +22,7 @@ struct Mailbox {
 };
 
 // The four clients by the names mhhost gives them.
-inline const std::vector<std::string> kClientNames = {"eudora", "internet", "netscape",
-                                                      "pegasus"};
+inline const std::vector<std::string> kClientNames = {"eudora", "internet", "netscape", "pegasus"};
 
 // Texts of messages framed as whole messages of `client`'s mail file: Eudora's 12-byte
 // delimiter, Internet Mail's 00 7F 00 7F, Netscape's "From" line, Pegasus's 128-byte header

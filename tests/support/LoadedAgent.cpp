@@ -6,7 +6,9 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-std::string LoadedAgent::libraryPath() { return std::string(TUK_BIN_DIR) + "/tuk_mhmail.so"; }
+std::string LoadedAgent::libraryPath() {
+  return std::string(TUK_BIN_DIR) + "/tuk_mhmail.so";
+}
 
 LoadedAgent::LoadedAgent() {
   library_ = dlopen(libraryPath().c_str(), RTLD_NOW | RTLD_LOCAL);

@@ -42,7 +42,9 @@ TempDir::~TempDir() {
     removeTree(path_);
 }
 
-std::string TempDir::file(const std::string &relative) const { return path_ + "/" + relative; }
+std::string TempDir::file(const std::string &relative) const {
+  return path_ + "/" + relative;
+}
 
 std::string repeated(const std::string &unit, size_t times) {
   std::string bytes;

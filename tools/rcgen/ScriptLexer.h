@@ -58,7 +58,7 @@ public:
     skipSpace(text, pos);
     if (word == "include") {
       if (pos < text.size() && text[pos] == '<')
-        return;  // a system header: nothing of ours
+        return; // a system header: nothing of ours
       const size_t close = text.find('"', pos + 1);
       if (pos >= text.size() || text[pos] != '"' || close == std::string::npos)
         fail(file, line, "#include needs a \"file name\"");
@@ -71,7 +71,7 @@ public:
       if (name.empty())
         fail(file, line, "#define needs a name");
       if (pos < text.size() && text[pos] == '(')
-        return;  // a function-like macro: no resource refers to one
+        return; // a function-like macro: no resource refers to one
       std::string value = text.substr(pos);
       const size_t comment = std::min(value.find("//"), value.find("/*"));
       if (comment != std::string::npos)
@@ -125,7 +125,7 @@ enum class Kind { End, Name, Number, String, Punct };
 
 struct Token {
   Kind kind = Kind::End;
-  std::string text;  // a name, the bytes of a string, a punctuation character
+  std::string text; // a name, the bytes of a string, a punctuation character
   int64_t number = 0;
   int line = 0;
 };
@@ -137,7 +137,7 @@ public:
   Lexer(std::string text, std::string file, int line, Symbols *symbols)
       : text_(std::move(text)), file_(std::move(file)), line_(line), symbols_(symbols) {
     if (text_.compare(0, 3, "\xEF\xBB\xBF") == 0)
-      pos_ = 3;  // a UTF-8 byte order mark
+      pos_ = 3; // a UTF-8 byte order mark
     dir_ = file_.substr(0, file_.rfind('/') + 1);
     next_ = scan();
   }
@@ -179,7 +179,7 @@ private:
         const int start = line_;
         while (pos_ < text_.size() && at() != '\n') {
           if (at() == '\\' && (at(1) == '\n' || (at(1) == '\r' && at(2) == '\n'))) {
-            pos_ = text_.find('\n', pos_) + 1;  // a continued line
+            pos_ = text_.find('\n', pos_) + 1; // a continued line
             ++line_;
             continue;
           }
@@ -241,7 +241,7 @@ private:
     if (digits == 0)
       fail(file_, line_, "malformed number");
     while (at() != '\0' && std::strchr("lLuU", at()) != nullptr)
-      ++pos_;  // C suffixes
+      ++pos_; // C suffixes
     if (std::isalnum(static_cast<unsigned char>(at())) || at() == '_')
       fail(file_, line_, "malformed number");
     return value;
@@ -317,4 +317,4 @@ private:
   Token next_;
 };
 
-}  // namespace rcgen
+} // namespace rcgen

@@ -67,7 +67,7 @@ const StandardName kStandardNames[] = {
     {"IDC_STATIC", -1},
 };
 
-constexpr int64_t kChildVisible = 0x50000000;  // WS_CHILD | WS_VISIBLE
+constexpr int64_t kChildVisible = 0x50000000; // WS_CHILD | WS_VISIBLE
 
 // The control statements: class and default style, and whether a text comes first.
 struct ControlKind {
@@ -77,13 +77,13 @@ struct ControlKind {
   bool hasText;
 };
 const ControlKind kControlKinds[] = {
-    {"LTEXT", "STATIC", kChildVisible | 0x00020000, true},          // WS_GROUP | SS_LEFT
-    {"RTEXT", "STATIC", kChildVisible | 0x00020002, true},          // WS_GROUP | SS_RIGHT
-    {"CTEXT", "STATIC", kChildVisible | 0x00020001, true},          // WS_GROUP | SS_CENTER
-    {"EDITTEXT", "EDIT", kChildVisible | 0x00810000, false},        // WS_BORDER | WS_TABSTOP
-    {"PUSHBUTTON", "BUTTON", kChildVisible | 0x00010000, true},     // WS_TABSTOP
-    {"DEFPUSHBUTTON", "BUTTON", kChildVisible | 0x00010001, true},  // | BS_DEFPUSHBUTTON
-    {"AUTOCHECKBOX", "BUTTON", kChildVisible | 0x00010003, true},   // | BS_AUTOCHECKBOX
+    {"LTEXT", "STATIC", kChildVisible | 0x00020000, true},         // WS_GROUP | SS_LEFT
+    {"RTEXT", "STATIC", kChildVisible | 0x00020002, true},         // WS_GROUP | SS_RIGHT
+    {"CTEXT", "STATIC", kChildVisible | 0x00020001, true},         // WS_GROUP | SS_CENTER
+    {"EDITTEXT", "EDIT", kChildVisible | 0x00810000, false},       // WS_BORDER | WS_TABSTOP
+    {"PUSHBUTTON", "BUTTON", kChildVisible | 0x00010000, true},    // WS_TABSTOP
+    {"DEFPUSHBUTTON", "BUTTON", kChildVisible | 0x00010001, true}, // | BS_DEFPUSHBUTTON
+    {"AUTOCHECKBOX", "BUTTON", kChildVisible | 0x00010003, true},  // | BS_AUTOCHECKBOX
 };
 
-}  // namespace rcgen
+} // namespace rcgen

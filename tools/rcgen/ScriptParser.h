@@ -38,7 +38,7 @@ struct Dialog {
   int16_t x = 0, y = 0, cx = 0, cy = 0;
   std::string caption, fontName;
   uint16_t pointSize = 0;
-  uint8_t charset = 1;  // DEFAULT_CHARSET
+  uint8_t charset = 1; // DEFAULT_CHARSET
   bool extended = false;
   std::vector<Item> items;
 };
@@ -132,7 +132,7 @@ private:
       failHere("expected a string");
     std::string bytes = lex_.take().text;
     while (lex_.peek().kind == Kind::String)
-      bytes += lex_.take().text;  // adjacent literals join
+      bytes += lex_.take().text; // adjacent literals join
     return bytes;
   }
 
@@ -268,7 +268,7 @@ private:
     rectangle(dialog.x, dialog.y, dialog.cx, dialog.cy);
     if (dialog.extended)
       skipHelpId();
-    int64_t styleBits = 0x80880000;  // WS_POPUP | WS_BORDER | WS_SYSMENU, unless STYLE says
+    int64_t styleBits = 0x80880000; // WS_POPUP | WS_BORDER | WS_SYSMENU, unless STYLE says
     bool hasCaption = false, hasFont = false;
     while (!atBegin()) {
       const Token keyword = lex_.take();
@@ -287,7 +287,7 @@ private:
         hasFont = true;
         for (int extra = 0; extra < 3 && atPunct(','); ++extra) {
           lex_.take();
-          const int64_t number = value();  // weight and italic are not kept
+          const int64_t number = value(); // weight and italic are not kept
           if (extra == 2)
             dialog.charset = static_cast<uint8_t>(number);
         }
@@ -303,7 +303,7 @@ private:
     }
     lex_.take();
     dialog.style = static_cast<uint32_t>(styleBits | (hasCaption ? 0x00C00000 : 0) |
-                                         (hasFont ? 0x40 : 0));  // WS_CAPTION, DS_SETFONT
+                                         (hasFont ? 0x40 : 0)); // WS_CAPTION, DS_SETFONT
     while (!atEnd())
       dialog.items.push_back(control(dialog.extended));
     lex_.take();
@@ -376,4 +376,4 @@ private:
   std::map<uint32_t, int> stringLines_, dialogLines_;
 };
 
-}  // namespace rcgen
+} // namespace rcgen

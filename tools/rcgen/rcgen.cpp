@@ -110,7 +110,7 @@ bool isIdentifier(const std::string &name) {
          });
 }
 
-}  // namespace
+} // namespace
 
 int main(int argc, char **argv) {
   bool exported = false;
