@@ -16,7 +16,7 @@ namespace {
 const char *const kKeys[] = {
     "K", "k", "Software\\Tuk\\Agents\\MHEudora", "K\\DE", "a]b", "\"q\"", "x y", "[K]"};
 const char *const kNames[] = {"N", "n", "MailPath", "a\\\"b", "=", "", "N ", "\\"};
-struct Written {
+struct Written { // NOLINT(clang-analyzer-optin.performance.Padding): a table row's order
   bool isNumber;
   const char *text;
   int32_t number;
@@ -77,7 +77,7 @@ std::string fileText(const std::string &path) {
 
 extern "C" int FUZZ_ENTRY(const uint8_t *data, size_t size) {
   static const std::string path = [] {
-    const std::string file = scratchDir() + "/registry.reg";
+    std::string file = scratchDir() + "/registry.reg";
     ::setenv("TUK_REGISTRY", file.c_str(), 1);
     return file;
   }();

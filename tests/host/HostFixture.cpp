@@ -46,7 +46,7 @@ HostResult HostFixture::host(const std::vector<std::string> &arguments, const st
 
 HostResult HostFixture::hostOk(const std::vector<std::string> &arguments, const std::string &input,
                                Input kind) {
-  const HostResult run = host(arguments, input, kind);
+  HostResult run = host(arguments, input, kind);
   EXPECT_EQ(0, run.status) << arguments.back() << ": " << run.err;
   return run;
 }

@@ -99,7 +99,7 @@ TEST(ReaderHostile, FiftyMegabyteBase64LineIsDecodedWhole) {
   };
   for (const auto &[head, tail, attached] : shapes) {
     SCOPED_TRACE(head);
-    const ReadMessage message = read(head + line + tail);
+    const ReadMessage message = read(std::string(head).append(line).append(tail));
     if (attached) {
       ASSERT_EQ(message.attachments.size(), 1u);
       EXPECT_EQ(message.attachments[0].size, plain.size());

@@ -37,7 +37,7 @@ int replaceTheZoneFile() {
   const time_t newYork = noonUnder("/usr/share/zoneinfo/America/New_York");
   if (berlin == -1 || newYork == -1)
     return kNoPrivateNamespace;
-  return newYork - berlin == 6 * 3600 ? 0 : 1;
+  return newYork - berlin == time_t{6} * 3600 ? 0 : 1;
 }
 
 TEST(LocalTime, FollowsANewZoneFileWithoutTz) {

@@ -28,7 +28,7 @@ const std::string kPegasus(reinterpret_cast<const char *>(kPegasusDelimiter), 3)
 const std::string kLine = "From x y z 12 01:02:03 1998\n"; // 28 bytes: a Netscape delimiter
 
 class MailFileTest : public ::testing::Test {
-protected:
+public:
   // Every message the client's scan frames, as (offset, length); once at the end, the scan
   // must stay there.
   template <class MailFile> Ranges frame(const std::string &bytes) {

@@ -41,7 +41,8 @@ TEST_F(MailMsgTest, HeaderBlockEndsAtTheFirstBlankLine) {
     const auto *bytes = reinterpret_cast<const uint8_t *>(text.data());
     const auto size = static_cast<uint32_t>(text.size());
     EXPECT_EQ(headerLength, referenceHeaderLength(bytes, size)) << text;
-    atEachWidth([&] { EXPECT_EQ(headerLength, CMailMsg().getHeaderLength(bytes, size)); });
+    atEachWidth(
+        [&, want = headerLength] { EXPECT_EQ(want, CMailMsg().getHeaderLength(bytes, size)); });
     EXPECT_EQ(text.substr(headerLength), body(build(text))) << text;
   }
 }
