@@ -43,8 +43,9 @@ public:
 CMhmailApp theApp;
 
 // Plain statics with constant initialisation: nothing runs for them at load.
-CModule agentModule = {&agentResourceTable, &agentModule, nullptr};
-AFX_MODULE_STATE moduleState = {&agentModule, &agentModule, &theApp};
+TUK_LIBRARY_MODULE(agentModule, agentResourceTable);
+AFX_MODULE_STATE moduleState = {TUK_LIBRARY_INSTANCE(agentModule),
+                                TUK_LIBRARY_INSTANCE(agentModule), &theApp};
 
 CMHAgent *theAgent = nullptr;
 int32_t agentInitCount = 0;
@@ -269,7 +270,7 @@ int32_t terminateAgent() {
     FreeLibrary(languageModule);
     languageModule = nullptr;
     // Strings must never be looked up in a released module.
-    AfxSetResourceHandle(&agentModule);
+    AfxSetResourceHandle(TUK_LIBRARY_INSTANCE(agentModule));
   }
   // Searches the host left open end with the agent, which owns them.
   delete theAgent;
@@ -341,10 +342,10 @@ extern "C" __attribute__((visibility("default"))) int32_t initAgent(const AgentP
   AGENT_LOG("Language string: %s", language.GetString());
   if (language == "EN") {
     languageModule = nullptr;
-    AfxSetResourceHandle(&agentModule);
+    AfxSetResourceHandle(TUK_LIBRARY_INSTANCE(agentModule));
   } else {
     languageModule = LoadLibraryA(CString("tuk_mhmail") + language);
-    AfxSetResourceHandle(languageModule ? languageModule : &agentModule);
+    AfxSetResourceHandle(languageModule ? languageModule : TUK_LIBRARY_INSTANCE(agentModule));
   }
 
   theAgent = chooseAgent(language, agentKey);

@@ -1,36 +1,23 @@
 // GetHelpFilePath: the help file is installed beside this library.
 #include "cmn/HelpFile.h"
 
-#include <cstdlib>
-#include <dlfcn.h>
-#include <memory>
+#include "platform/Modules.h"
+#include "platform/Paths.h"
+
 #include <string>
 
 namespace {
 
 const char kHelpFileName[] = "tuk_mhmail.help";
 
-// The directory of the loaded libtuk_cmn.so, made absolute so that a later chdir does not
-// change what the path names; empty when the loader cannot tell.
-std::string libraryDirectory() {
-  Dl_info info;
-  if (::dladdr(reinterpret_cast<void *>(&GetHelpFilePath), &info) == 0 || info.dli_fname == nullptr)
-    return std::string();
-  const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(info.dli_fname, nullptr),
-                                                             &std::free);
-  const std::string library = resolved ? resolved.get() : info.dli_fname;
-  const size_t slash = library.rfind('/');
-  if (slash == std::string::npos)
-    return std::string();
-  return library.substr(0, slash == 0 ? 1 : slash);
-}
-
 std::string helpFilePath() {
-  std::string directory = libraryDirectory();
-  if (directory.empty())
+  char buffer[4096];
+  std::string directory =
+      moduleDirectory(reinterpret_cast<const void *>(&GetHelpFilePath), buffer, sizeof buffer);
+  if (directory.empty() || directory == ".")
     return kHelpFileName; // relative to the working directory: the best guess left
-  if (directory.back() != '/')
-    directory += '/';
+  if (directory.back() != kPathSeparator)
+    directory += kPathSeparator;
   return directory + kHelpFileName;
 }
 

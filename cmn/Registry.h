@@ -1,5 +1,6 @@
-// Registry values: named strings and 32-bit integers under key paths, kept in one text file
-// in the registry editor's export format.
+// Registry values: named strings and 32-bit integers under key paths. On Windows they are the
+// real registry's, under HKEY_CURRENT_USER. Elsewhere they are kept in one text file in the
+// registry editor's export format:
 //
 // File: $TUK_REGISTRY if set, else $XDG_CONFIG_HOME/tuk/registry.reg, else
 // ~/.config/tuk/registry.reg. A missing file is an empty registry. Key and value names
@@ -22,5 +23,7 @@ int GetRegValue(const char *key, const char *valueName, int32_t *value);
 int SetRegValue(const char *key, const char *valueName, const CString &value);
 int SetRegValue(const char *key, const char *valueName, int32_t value);
 
+#ifndef _WIN32
 // The path of the registry file that the calls above use now.
 CString registryFilePath();
+#endif

@@ -9,6 +9,9 @@
 
 #include "WinTypes.h"
 
+#ifdef _WIN32
+#else
+
 struct WIN32_FIND_DATAA {
   DWORD dwFileAttributes; // FILE_ATTRIBUTE_DIRECTORY (0x10) or FILE_ATTRIBUTE_NORMAL (0x80)
   char cFileName[260];    // a longer name is cut to 259 bytes (and so never matches a file)
@@ -21,3 +24,5 @@ HANDLE FindFirstFileA(const char *pattern, WIN32_FIND_DATAA *found);
 // FALSE with ERROR_NO_MORE_FILES after the last entry.
 BOOL FindNextFileA(HANDLE search, WIN32_FIND_DATAA *found);
 BOOL FindClose(HANDLE search);
+
+#endif // _WIN32

@@ -114,9 +114,3 @@ BOOL CloseHandle(HANDLE handle) {
   delete static_cast<HandleObject *>(handle);
   return TRUE;
 }
-
-void ScopedHandle::reset(HANDLE handle) {
-  if (valid() && handle != handle_)
-    CloseHandle(handle_);
-  handle_ = handle;
-}

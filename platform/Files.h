@@ -9,6 +9,9 @@
 
 #include <cstddef>
 
+#ifdef _WIN32
+#else
+
 enum : DWORD {
   GENERIC_READ = 0x80000000u,
   FILE_SHARE_READ = 0x1,
@@ -85,6 +88,8 @@ enum : DWORD { INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu, FILE_ATTRIBUTE_DIRECTORY =
 // FILE_ATTRIBUTE_DIRECTORY for a directory and FILE_ATTRIBUTE_NORMAL for anything else.
 // Follows symbolic links, as the Windows call does for a path.
 DWORD GetFileAttributesA(const char *name);
+
+#endif // _WIN32
 
 // Owns a HANDLE from the calls above and closes it once.
 class ScopedHandle {

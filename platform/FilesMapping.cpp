@@ -153,9 +153,3 @@ BOOL UnmapViewOfFile(const void *base) {
   }
   return TRUE;
 }
-
-void ScopedView::reset(const void *base) {
-  if (base_ != nullptr && base != base_)
-    UnmapViewOfFile(base_);
-  base_ = static_cast<const unsigned char *>(base);
-}

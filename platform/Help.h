@@ -8,6 +8,9 @@
 
 #include "Window.h"
 
+#ifdef _WIN32
+#else
+
 enum : UINT { HELP_WM_HELP = 0x000C };
 
 // With HELP_WM_HELP, `data` points at pairs of 32-bit control ids and context ids, ended by
@@ -15,3 +18,5 @@ enum : UINT { HELP_WM_HELP = 0x000C };
 // (WindowApi.h) as a help event about `window`. TRUE when there was a topic to show; FALSE
 // when the command is another, the control has no pair, or the file or the topic is missing.
 BOOL WinHelpA(HWND window, const char *helpFile, UINT command, ULONG_PTR data);
+
+#endif // _WIN32

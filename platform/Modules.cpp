@@ -1,5 +1,4 @@
-// CModule, AFX_MODULE_STATE and CWinApp on POSIX: the per-thread module state, LoadLibraryA
-// and FreeLibrary over dlopen, and the application object.
+// Modules on POSIX: LoadLibraryA and FreeLibrary over dlopen, and the file a module came from.
 #include "Modules.h"
 
 #include "Files.h"
@@ -19,11 +18,6 @@ namespace {
 // Windows' numbers for a module that isn't there and for a file that isn't a loadable one.
 constexpr DWORD kErrorModuleNotFound = 126;    // ERROR_MOD_NOT_FOUND
 constexpr DWORD kErrorNotLoadableModule = 193; // ERROR_BAD_EXE_FORMAT
-
-// Each thread starts in a state of its own that names no module, so that what one thread
-// does to its default state is never seen by another.
-thread_local AFX_MODULE_STATE threadDefaultState = {nullptr, nullptr, nullptr};
-thread_local AFX_MODULE_STATE *currentState = nullptr;
 
 // An address inside this library's image: where LoadLibraryA looks when no module is current.
 constexpr char kPlatformAnchor = 0;
@@ -68,30 +62,13 @@ std::string libraryPath(const char *name) {
 
 } // namespace
 
-AFX_MODULE_STATE *AfxGetModuleState() {
-  return currentState != nullptr ? currentState : &threadDefaultState;
-}
-
-AFX_MODULE_STATE *AfxSetModuleState(AFX_MODULE_STATE *state) {
-  AFX_MODULE_STATE *previous = AfxGetModuleState();
-  currentState = state;
-  return previous;
-}
-
-HINSTANCE AfxGetResourceHandle() {
-  return AfxGetModuleState()->m_hCurrentResourceHandle;
-}
-
-void AfxSetResourceHandle(HINSTANCE module) {
-  AfxGetModuleState()->m_hCurrentResourceHandle = module;
-}
-
-CWinApp *AfxGetApp() {
-  return AfxGetModuleState()->m_pCurrentWinApp;
-}
-
 const char *moduleDirectory(const void *anchor, char *buffer, size_t size) {
-  const std::string file = fileHolding(anchor);
+  // Made absolute, so that a later chdir does not change what the directory names.
+  std::string file = fileHolding(anchor);
+  if (const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(file.c_str(), nullptr),
+                                                                 &std::free);
+      resolved)
+    file = resolved.get();
   const size_t slash = file.rfind('/');
   if (slash == std::string::npos)
     return ".";
@@ -133,10 +110,4 @@ BOOL FreeLibrary(HMODULE module) {
   const std::unique_ptr<CModule> owned(module);
   const LibraryHandle library(owned->dlHandle);
   return TRUE;
-}
-
-CWinApp::CWinApp(const char *appName) : m_pszAppName(appName), m_pszHelpFilePath(strdup("")) {}
-
-CWinApp::~CWinApp() {
-  std::free(const_cast<char *>(m_pszHelpFilePath));
 }

@@ -14,6 +14,14 @@
 
 struct ResourceTable;
 
+#ifdef _WIN32
+// A module is the system's: its instance handle is the base of its image, and its resources
+// are the ones the resource compiler put in it.
+extern "C" IMAGE_DOS_HEADER __ImageBase;
+// The module of the library this is compiled into; `resources` (the POSIX table) is not used.
+#define TUK_LIBRARY_MODULE(name, resources) static_assert(true, "the image is the module")
+#define TUK_LIBRARY_INSTANCE(name) reinterpret_cast<HINSTANCE>(&__ImageBase)
+#else
 // A loaded module. Modules that a library declares for itself are plain statics (constant
 // initialisation, nothing runs at load); LoadLibraryA makes the others.
 struct CModule {
@@ -23,6 +31,11 @@ struct CModule {
 };
 typedef CModule *HINSTANCE;
 typedef CModule *HMODULE;
+// Declares `name`, the module of the library this is compiled into, whose string table and
+// dialog templates are `resources`.
+#define TUK_LIBRARY_MODULE(name, resources) CModule name = {&(resources), &name, nullptr}
+#define TUK_LIBRARY_INSTANCE(name) (&name)
+#endif
 
 class CWinApp;
 
@@ -54,6 +67,7 @@ HINSTANCE AfxGetResourceHandle();
 void AfxSetResourceHandle(HINSTANCE module);
 CWinApp *AfxGetApp();
 
+#ifndef _WIN32
 // Loads the library `name` from the directory of the current module (the file that holds
 // the current state's instance anchor), adding ".so" when the last component of `name` has
 // no dot. A name with a '/' is taken as a path. The library's resources are those it
@@ -61,9 +75,10 @@ CWinApp *AfxGetApp();
 HMODULE LoadLibraryA(const char *name);
 // Unloads a module from LoadLibraryA. A module that a library declared for itself is left.
 BOOL FreeLibrary(HMODULE module);
+#endif
 
-// The directory of the file that holds `anchor` (without a trailing '/'), or "." when it
-// can't be had.
+// The absolute directory of the file that holds `anchor` (without a trailing separator), or
+// "." when it can't be had.
 const char *moduleDirectory(const void *anchor, char *buffer, size_t size);
 
 // The application object of a library. The base sets the help file path to a private heap

@@ -2,4 +2,8 @@
 #pragma once
 
 // The separator between a path's parts.
+#ifdef _WIN32
+constexpr char kPathSeparator = '\\';
+#else
 constexpr char kPathSeparator = '/';
+#endif

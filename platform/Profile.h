@@ -3,6 +3,9 @@
 
 #include "WinTypes.h"
 
+#ifdef _WIN32
+#else
+
 // The value of `key` in `section` of `fileName`: sections and keys compare without regard to
 // ASCII case, the first of each counts, and the value is trimmed of blanks and of one pair of
 // matching quotes around it. `defaultValue` (null: "") stands in when the file, the section
@@ -11,3 +14,5 @@
 // rules don't apply.
 DWORD GetPrivateProfileStringA(const char *section, const char *key, const char *defaultValue,
                                char *buffer, DWORD size, const char *fileName);
+
+#endif // _WIN32

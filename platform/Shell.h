@@ -12,6 +12,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#ifdef _WIN32
+#include <shlobj.h>
+#else
+
 typedef int32_t HRESULT;
 typedef uint32_t ULONG;
 typedef char16_t WCHAR;
@@ -121,3 +125,5 @@ DWORD_PTR SHGetFileInfoA(const char *path, DWORD attributes, SHFILEINFOA *info, 
 // For tests: the next `count` icon lookups of the small (or the large) list fail, as for a
 // missing file. Per thread.
 void failIconLookups(bool smallIcons, int count = 1);
+
+#endif // _WIN32

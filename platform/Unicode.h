@@ -5,6 +5,9 @@
 
 #include <string>
 
+#ifdef _WIN32
+#else
+
 enum : UINT { CP_ACP = 0, CP_UTF8 = 65001 };
 enum : DWORD { MB_ERR_INVALID_CHARS = 0x8 };
 
@@ -20,6 +23,8 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, const WCHAR *wide, int lengt
 // or with MB_ERR_INVALID_CHARS make the call fail with ERROR_NO_UNICODE_TRANSLATION.
 int MultiByteToWideChar(UINT codePage, DWORD flags, const char *bytes, int length, WCHAR *wide,
                         int wideMax);
+
+#endif // _WIN32
 
 // Appends `code` to `out` in UTF-8 (any value below 0x110000; surrogates as they are).
 void appendUtf8(std::string &out, char32_t code);

@@ -1,7 +1,15 @@
-// The few Windows scalar types and constants that the stand-ins and the agent share.
+// The few Windows scalar types and constants that the stand-ins and the agent share; on
+// Windows, the system's own.
 #pragma once
 
 #include <cstdint>
+
+#ifdef _WIN32
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#else
 
 typedef uint32_t DWORD;
 typedef int32_t BOOL;
@@ -33,3 +41,5 @@ enum : DWORD {
   ERROR_FILE_INVALID = 1006,
   ERROR_NO_UNICODE_TRANSLATION = 1113,
 };
+
+#endif // _WIN32

@@ -11,6 +11,9 @@
 
 #include <cstdint>
 
+#ifdef _WIN32
+#else
+
 struct HWND__;
 typedef HWND__ *HWND;
 
@@ -163,3 +166,5 @@ LRESULT DefWindowProcA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 // Asks the process-wide user (WindowApi.h). `owner` may be null. A null caption is "Error".
 int MessageBoxA(HWND owner, const char *text, const char *caption, UINT type);
+
+#endif // _WIN32

@@ -1,6 +1,9 @@
 // tuk_rcgen: compiles a resource script into the C++ source of a ResourceTable.
 //
 //   tuk_rcgen [--export] --symbol NAME --output FILE.cpp SCRIPT.rc
+//   tuk_rcgen --windows-script --output FILE.rc SCRIPT.rc
+//
+// The second form writes the same resources as a script for the Windows resource compiler.
 //
 // The script is in the Windows resource-script form, as much of it as string tables and
 // dialog templates need: #include "header" (for its #define lines), #define, comments,
@@ -10,6 +13,7 @@
 // and ends the program with status 1, before anything is written.
 #include "ScriptLexer.h"
 #include "ScriptParser.h"
+#include "ScriptWriter.h"
 
 #include "../../platform/Resources.h"
 
@@ -27,7 +31,8 @@ namespace {
 [[noreturn]] void failUsage(const std::string &message) {
   std::fprintf(stderr,
                "tuk_rcgen: %s\n"
-               "usage: tuk_rcgen [--export] --symbol NAME --output FILE.cpp SCRIPT.rc\n",
+               "usage: tuk_rcgen [--export] --symbol NAME --output FILE.cpp SCRIPT.rc\n"
+               "       tuk_rcgen --windows-script --output FILE.rc SCRIPT.rc\n",
                message.c_str());
   std::exit(1);
 }
@@ -113,12 +118,14 @@ bool isIdentifier(const std::string &name) {
 } // namespace
 
 int main(int argc, char **argv) {
-  bool exported = false;
+  bool exported = false, windows = false;
   std::string symbol, output, script;
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
     if (arg == "--export")
       exported = true;
+    else if (arg == "--windows-script")
+      windows = true;
     else if ((arg == "--symbol" || arg == "--output") && i + 1 < argc)
       (arg == "--symbol" ? symbol : output) = argv[++i];
     else if (!arg.empty() && arg[0] != '-' && script.empty())
@@ -126,7 +133,7 @@ int main(int argc, char **argv) {
     else
       failUsage("unexpected argument '" + arg + "'");
   }
-  if (script.empty() || output.empty() || !isIdentifier(symbol))
+  if (script.empty() || output.empty() || (!windows && !isIdentifier(symbol)))
     failUsage("needs a script, an output file and a symbol that is a C++ name");
   std::string text;
   if (!readText(script, text))
@@ -134,8 +141,9 @@ int main(int argc, char **argv) {
   Symbols symbols;
   Lexer lexer(text, script, 1, &symbols);
   const Resources resources = Parser(lexer, symbols).parse();
+  const std::string name = script.substr(script.rfind('/') + 1);
   const std::string source =
-      generate(resources, script.substr(script.rfind('/') + 1), symbol, exported);
+      windows ? windowsScript(resources, name) : generate(resources, name, symbol, exported);
   std::ofstream out(output, std::ios::binary | std::ios::trunc);
   out << source;
   out.close();
