@@ -51,12 +51,11 @@ bool readValue(const char *key, const char *valueName, DWORD &type, std::string 
   return false;
 }
 
-int writeValue(const char *key, const char *valueName, DWORD type, const void *bytes,
-               DWORD size) {
+int writeValue(const char *key, const char *valueName, DWORD type, const void *bytes, DWORD size) {
   ScopedKey created;
   if (!usable(key, valueName) ||
-      RegCreateKeyExA(HKEY_CURRENT_USER, key, 0, nullptr, 0, KEY_SET_VALUE, nullptr,
-                      created.out(), nullptr) != ERROR_SUCCESS)
+      RegCreateKeyExA(HKEY_CURRENT_USER, key, 0, nullptr, 0, KEY_SET_VALUE, nullptr, created.out(),
+                      nullptr) != ERROR_SUCCESS)
     return 0;
   return RegSetValueExA(created.get(), valueName, 0, type, static_cast<const BYTE *>(bytes),
                         size) == ERROR_SUCCESS

@@ -6,10 +6,9 @@
 
 const char *moduleDirectory(const void *anchor, char *buffer, size_t size) {
   HMODULE module = nullptr;
-  if (anchor == nullptr ||
-      !GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                              GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                          static_cast<const char *>(anchor), &module))
+  if (anchor == nullptr || !GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                                   GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                                               static_cast<const char *>(anchor), &module))
     return ".";
   char file[MAX_PATH];
   const DWORD length = GetModuleFileNameA(module, file, sizeof file);

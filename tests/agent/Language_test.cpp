@@ -10,7 +10,9 @@ class LanguageTest : public AgentStoreTest {
 protected:
   // Opens the whole of `text` as one message and returns (subject, time).
   std::pair<std::string, int32_t> open(const std::string &text) {
-    const std::string path = dir.file("In.mbx");
+    // A mailbox of its own each time: the agent keeps the last one mapped, and Windows lets
+    // no one rewrite a mapped file.
+    const std::string path = dir.file("In" + std::to_string(++opened_) + ".mbx");
     writeFile(path, text);
     RecordBuffer record(path, 0, static_cast<uint32_t>(text.size()), referenceChecksum(text));
     AgentHandle object = 0;
@@ -33,6 +35,9 @@ protected:
     const char *const *names = reinterpret_cast<const char *const *>(table.data());
     return std::vector<std::string>(names, names + count);
   }
+
+private:
+  int opened_ = 0;
 };
 
 TEST_F(LanguageTest, LanguageModulesSupplyNamesMonthsAndHeadersElseTheBuiltInStringsStay) {

@@ -3,8 +3,33 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <dlfcn.h>
 #include <gtest/gtest.h>
+
+#ifdef _WIN32
+#include <windows.h>
+
+std::string LoadedAgent::libraryPath() {
+  return std::string(TUK_BIN_DIR) + "/tuk_mhmail.dll";
+}
+
+LoadedAgent::LoadedAgent() {
+  const HMODULE library = LoadLibraryA(libraryPath().c_str());
+  if (library == nullptr) {
+    ADD_FAILURE() << "LoadLibrary: error " << GetLastError();
+    return;
+  }
+  library_ = library;
+  initAgent_ = reinterpret_cast<InitAgentFunction>(
+      reinterpret_cast<void (*)()>(GetProcAddress(library, "initAgent")));
+  EXPECT_NE(nullptr, initAgent_);
+}
+
+LoadedAgent::~LoadedAgent() {
+  if (library_)
+    FreeLibrary(static_cast<HMODULE>(library_));
+}
+#else
+#include <dlfcn.h>
 
 std::string LoadedAgent::libraryPath() {
   return std::string(TUK_BIN_DIR) + "/tuk_mhmail.so";
@@ -24,6 +49,7 @@ LoadedAgent::~LoadedAgent() {
   if (library_)
     dlclose(library_);
 }
+#endif
 
 AgentResult LoadedAgent::init(const std::string &agentKey, const std::string &language,
                               LogSink sink) {

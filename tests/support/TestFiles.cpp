@@ -1,27 +1,10 @@
-// Files and folders for tests.
+// Files and folders for tests, the same on every platform.
 #include "tests/support/TestFiles.h"
 
-#include <cerrno>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
-#include <sys/stat.h>
-#include <sys/time.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-TempDir::TempDir() {
-  const char *base = std::getenv("TMPDIR");
-  std::string pattern = std::string(base && *base ? base : "/tmp") + "/tuk-test-XXXXXX";
-  if (mkdtemp(pattern.data()) == nullptr)
-    ADD_FAILURE() << "mkdtemp: " << std::strerror(errno);
-  path_ = pattern;
-}
 
 namespace {
 // Removes `path` and all below it; folders a test made unreadable are made readable first.
@@ -85,45 +68,4 @@ std::string readFile(const std::string &path) {
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
-}
-
-bool fileExists(const std::string &path) {
-  struct stat status;
-  return ::stat(path.c_str(), &status) == 0;
-}
-
-void setFileTime(const std::string &path, long seconds) {
-  struct timeval times[2] = {{seconds, 0}, {seconds, 0}};
-  if (utimes(path.c_str(), times) != 0)
-    ADD_FAILURE() << "utimes " << path << ": " << std::strerror(errno);
-}
-
-bool isMappedInThisProcess(const std::string &path) {
-  std::ifstream maps("/proc/self/maps");
-  std::string line;
-  while (std::getline(maps, line))
-    if (line.size() >= path.size() &&
-        line.compare(line.size() - path.size(), path.size(), path) == 0)
-      return true;
-  return false;
-}
-
-int runInChild(const std::function<int()> &body, unsigned seconds) {
-  std::fflush(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    alarm(seconds);
-    _exit(body());
-  }
-  int status = 0;
-  if (child < 0 || waitpid(child, &status, 0) != child)
-    ADD_FAILURE() << "fork or wait: " << std::strerror(errno);
-  return status;
-}
-
-std::string describeStatus(int status) {
-  if (WIFEXITED(status))
-    return "exit " + std::to_string(WEXITSTATUS(status));
-  return "signal " + std::to_string(WTERMSIG(status)) +
-         (WTERMSIG(status) == SIGALRM ? " (did not end in time)" : "");
 }

@@ -4,7 +4,9 @@
 
 #include <functional>
 #include <string>
+#ifndef _WIN32
 #include <unistd.h>
+#endif
 
 class TempDir {
 public:
@@ -31,6 +33,7 @@ bool fileExists(const std::string &path);
 void makeDirs(const std::string &path);
 // Sets the file's last-write time, in seconds since 1970.
 void setFileTime(const std::string &path, long seconds);
+#ifndef _WIN32
 // True while this process has a mapping of the file at `path`.
 bool isMappedInThisProcess(const std::string &path);
 
@@ -49,3 +52,16 @@ public:
   Watchdog &operator=(const Watchdog &) = delete;
   ~Watchdog() { alarm(0); }
 };
+#else
+// On Windows a timer ends the process, with a line that says why.
+class Watchdog {
+public:
+  explicit Watchdog(unsigned seconds);
+  Watchdog(const Watchdog &) = delete;
+  Watchdog &operator=(const Watchdog &) = delete;
+  ~Watchdog();
+
+private:
+  void *timer_ = nullptr;
+};
+#endif
