@@ -123,9 +123,11 @@ void *MapViewOfFile(HANDLE mappingHandle, DWORD access, DWORD offsetHigh, DWORD 
     return nullptr;
   }
   const uint64_t wanted = size != 0 ? size : mapping->size;
+  // On a 32-bit build a whole file of 4 GiB or more can't fit the address space. Its offsets
+  // are 32-bit there and only the low part of its size is read (GetFileSize without the high
+  // part), so the view holds that low part; at a multiple of 4 GiB nothing is left to map.
   const auto length = static_cast<size_t>(wanted);
-  // On a 32-bit build a file of 4 GiB or more can't fit the address space.
-  if (length != wanted) {
+  if (length == 0) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;
   }

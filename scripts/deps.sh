@@ -5,6 +5,7 @@ set -euo pipefail
 packages=(cmake ninja-build g++ g++-multilib clang libclang-rt-14-dev binutils
           libgtest-dev libbenchmark-dev libsqlite3-dev tzdata pkg-config
           libgmime-3.0-dev libgumbo-dev libxxhash-dev clang-format-14 clang-tidy-14)
+packages+=(googletest qemu-user) # the 32-bit tests: gtest built from source, and run on any kernel
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||

@@ -8,6 +8,7 @@
 #include "tests/support/TestFiles.h"
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <dirent.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -142,10 +143,11 @@ TEST(FilesTest, StatusGivesTheLow32BitsOfTheTime) {
   TempDir dir;
   writeFile(dir.file("In.mbx"), "12345");
   CFileStatus status;
-  for (const long seconds : {0x80000000L + 10, 0x100000005L}) {
+  for (const int64_t seconds : {int64_t{0x80000000} + 10, int64_t{0x100000005}}) {
     setFileTime(dir.file("In.mbx"), seconds);
     struct stat stored;
-    if (stat(dir.file("In.mbx").c_str(), &stored) != 0 || stored.st_mtime != seconds)
+    ASSERT_EQ(stat(dir.file("In.mbx").c_str(), &stored), 0) << std::strerror(errno);
+    if (stored.st_mtime != seconds)
       GTEST_SKIP() << "the file system does not keep a time of " << seconds;
     ASSERT_TRUE(CFile::GetStatus(dir.file("In.mbx").c_str(), status));
     EXPECT_EQ(status.m_mtime, static_cast<int32_t>(static_cast<uint32_t>(seconds)));

@@ -2,6 +2,7 @@
 // and a child process or a time bound for what could crash or hang the test program.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #ifndef _WIN32
@@ -32,7 +33,7 @@ std::string readFile(const std::string &path);
 bool fileExists(const std::string &path);
 void makeDirs(const std::string &path);
 // Sets the file's last-write time, in seconds since 1970.
-void setFileTime(const std::string &path, long seconds);
+void setFileTime(const std::string &path, int64_t seconds);
 #ifndef _WIN32
 // True while this process has a mapping of the file at `path`.
 bool isMappedInThisProcess(const std::string &path);

@@ -26,8 +26,9 @@ bool fileExists(const std::string &path) {
   return ::stat(path.c_str(), &status) == 0;
 }
 
-void setFileTime(const std::string &path, long seconds) {
-  struct timeval times[2] = {{seconds, 0}, {seconds, 0}};
+void setFileTime(const std::string &path, int64_t seconds) {
+  const auto when = static_cast<time_t>(seconds);
+  struct timeval times[2] = {{when, 0}, {when, 0}};
   if (utimes(path.c_str(), times) != 0)
     ADD_FAILURE() << "utimes " << path << ": " << std::strerror(errno);
 }

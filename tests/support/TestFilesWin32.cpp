@@ -26,7 +26,7 @@ bool fileExists(const std::string &path) {
   return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-void setFileTime(const std::string &path, long seconds) {
+void setFileTime(const std::string &path, int64_t seconds) {
   const HANDLE file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES,
                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                   OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
