@@ -25,8 +25,8 @@
 
 /* Odd-sized, so that reads end inside lines and inside multi-byte characters. */
 #define READ_PIECE 4093
-#define FIRST_RECORD_CAPACITY 1024
-#define LARGEST_RECORD (1u << 20)
+#define RECORD_CAPACITY (4096 + 32)
+#define LARGEST_PROPERTIES (1u << 20)
 
 static const char *client;
 static const char *storeDir;
@@ -231,7 +231,7 @@ static void printObject(const struct AgentEntryTable *agent, const ObjectRecord 
     uint32_t capacity = 64, used = 0, count = 0;
     unsigned char *block = resized(NULL, capacity);
     int32_t status = agent->getObjectProperties(object, block, capacity, &used, &count);
-    if (status == StatusPropertiesTooLarge && used > capacity && used <= LARGEST_RECORD) {
+    if (status == StatusPropertiesTooLarge && used > capacity && used <= LARGEST_PROPERTIES) {
       block = resized(block, capacity = used);
       status = agent->getObjectProperties(object, block, capacity, &used, &count);
     }
@@ -245,39 +245,27 @@ static void printObject(const struct AgentEntryTable *agent, const ObjectRecord 
   putchar('\n');
 }
 
-/* Every record of the store. A record that does not fit ends the search: start over with the
- * room asked for and pass over those already printed. 1 when the walk reached its end. */
+/* Every record of the store. 1 when the walk reached its end. */
 static int walk(const struct AgentEntryTable *agent) {
-  size_t capacity = FIRST_RECORD_CAPACITY;
-  ObjectRecord *record = resized(NULL, capacity);
-  unsigned long printed = 0, toPassOver = 0;
+  /* Room for the longest path either platform makes: a 122 is a fault, and shows. */
+  static union {
+    ObjectRecord record;
+    char bytes[RECORD_CAPACITY];
+  } buffer;
+  ObjectRecord *record = &buffer.record;
+  unsigned long printed = 0;
   AgentHandle search = AGENT_INVALID_HANDLE;
-  int open = 0;
-  int32_t status, foundTime = 0;
-  for (;;) {
-    record->size = (uint32_t)capacity;
-    status = open ? agent->findNextObjectHandle(search, record, &foundTime)
-                  : agent->findFirstObjectHandle(0, &search, record, &foundTime);
-    if (status == StatusOk) {
-      open = 1;
-      if (toPassOver > 0) {
-        --toPassOver;
-      } else {
-        printObject(agent, record, foundTime);
-        ++printed;
-      }
-      continue;
-    }
-    if (status != StatusBufferTooSmall || record->size <= capacity || record->size > LARGEST_RECORD)
-      break;
-    open = 0;
-    capacity = record->size;
-    record = resized(record, capacity);
-    toPassOver = printed;
+  int32_t foundTime = 0;
+  record->size = RECORD_CAPACITY;
+  int32_t status = agent->findFirstObjectHandle(0, &search, record, &foundTime);
+  const int searching = status == StatusOk;
+  for (; status == StatusOk; ++printed) {
+    printObject(agent, record, foundTime);
+    record->size = RECORD_CAPACITY;
+    status = agent->findNextObjectHandle(search, record, &foundTime);
   }
-  if (open)
+  if (searching && status != StatusBufferTooSmall)
     agent->closeFindObjectHandle(search);
-  free(record);
   printf("%s\tcount=%lu", client, printed);
   if (status != StatusNoMoreObjects)
     printf("\twalk ended with %ld", (long)status);
