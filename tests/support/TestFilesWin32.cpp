@@ -60,3 +60,14 @@ Watchdog::~Watchdog() {
   if (timer_ != nullptr)
     DeleteTimerQueueTimer(nullptr, timer_, INVALID_HANDLE_VALUE);
 }
+
+namespace {
+
+// Each test program starts with no values of the agents under the real registry, as a POSIX
+// one starts with a registry file of its own: values a test stored never reach the next.
+const bool registryCleared = [] {
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Tuk");
+  return true;
+}();
+
+} // namespace
