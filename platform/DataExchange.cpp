@@ -1,17 +1,5 @@
-// Controls and data exchange: CButton's check state, DDX_Control and DDX_Check.
+// Data exchange between a dialog's members and its controls: DDX_Control and DDX_Check.
 #include "Dialogs.h"
-#include "WindowSystem.h"
-
-int CButton::GetCheck() const {
-  const WindowState *state = findWindow(m_hWnd);
-  return state != nullptr && state->kind == WindowKind::CheckBox ? state->check : 0;
-}
-
-void CButton::SetCheck(int check) {
-  WindowState *state = findWindow(m_hWnd);
-  if (state != nullptr && state->kind == WindowKind::CheckBox)
-    state->check = check != 0 ? 1 : 0;
-}
 
 void DDX_Control(CDataExchange *dx, int id, CWnd &control) {
   if (control.m_hWnd == nullptr)

@@ -121,6 +121,10 @@ protected:
 
 private:
   BOOL createFromTemplate(const DialogTemplate &dialog, HWND parent);
+#ifdef _WIN32
+  // The dialog manager's procedure of every dialog this class makes.
+  static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+#endif
 
   bool modal_ = false;
   bool modalEnded_ = false;

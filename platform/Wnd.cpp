@@ -1,61 +1,9 @@
-// CWnd: the class object of a window, its message map and the calls it wraps.
+// CWnd: the class object of a window, its message map and the calls it wraps, the same on
+// every platform. How an object is bound to its window is the window system's (WndBinding.cpp,
+// WndWin32.cpp).
 #include "Dialogs.h"
-#include "WindowSystem.h"
-
-#include <algorithm>
 
 CWnd::CWnd() : moduleState_(AfxGetModuleState()) {}
-
-CWnd::~CWnd() {
-  const HWND window = m_hWnd;
-  if (window == nullptr)
-    return;
-  // Detached first, so that nothing reaches this half-destroyed object.
-  if (WindowState *state = findWindow(window); state != nullptr && state->object == this)
-    state->object = nullptr;
-  m_hWnd = nullptr;
-  if (ownsWindow_)
-    ::DestroyWindow(window);
-}
-
-CWnd *CWnd::FromHandle(HWND window) {
-  WindowState *state = findWindow(window);
-  if (state == nullptr)
-    return nullptr;
-  if (state->object == nullptr) {
-    state->ownObject = std::make_unique<CWnd>();
-    state->ownObject->m_hWnd = window;
-    state->object = state->ownObject.get();
-  }
-  return state->object;
-}
-
-void CWnd::attachCreated(HWND window) {
-  WindowState *state = findWindow(window);
-  if (state == nullptr)
-    return;
-  state->object = this;
-  m_hWnd = window;
-  ownsWindow_ = true;
-}
-
-BOOL CWnd::SubclassDlgItem(UINT id, CWnd *parent) {
-  if (m_hWnd != nullptr || parent == nullptr)
-    return FALSE;
-  const HWND control = ::GetDlgItem(parent->m_hWnd, static_cast<int>(id));
-  WindowState *state = findWindow(control);
-  if (state == nullptr)
-    return FALSE;
-  if (state->object != nullptr) {
-    if (state->object != state->ownObject.get())
-      return FALSE; // another object has it
-    state->ownObject->windowDetached();
-  }
-  state->object = this;
-  m_hWnd = control;
-  ownsWindow_ = false;
-  return TRUE;
-}
 
 const MessageMap *CWnd::GetMessageMap() const {
   static const MessageMap map = {nullptr, nullptr, 0};
@@ -71,17 +19,23 @@ LRESULT CWnd::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   return result;
 }
 
-LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-  for (const MessageMap *map = GetMessageMap(); map != nullptr; map = map->base) {
+const MessageMapEntry *findMessageEntry(const MessageMap *map, UINT message, WPARAM wParam) {
+  for (; map != nullptr; map = map->base) {
     for (size_t i = 0; i < map->count; ++i) {
       const MessageMapEntry &entry = map->entries[i];
       if (entry.message != message)
         continue;
       if (message == WM_COMMAND && (entry.id != LOWORD(wParam) || HIWORD(wParam) != BN_CLICKED))
         continue;
-      return entry.handler(*this, wParam, lParam);
+      return &entry;
     }
   }
+  return nullptr;
+}
+
+LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (const MessageMapEntry *entry = findMessageEntry(GetMessageMap(), message, wParam))
+    return entry->handler(*this, wParam, lParam);
   return ::DefWindowProcA(m_hWnd, message, wParam, lParam);
 }
 
@@ -114,13 +68,6 @@ void CWnd::SetWindowTextA(const char *text) {
   ::SetWindowTextA(m_hWnd, text);
 }
 
-void CWnd::GetWindowTextA(CString &text) const {
-  // Without a window the string keeps what it held: a page whose window the host destroyed
-  // then stores what it loaded, never empty values.
-  if (const WindowState *state = findWindow(m_hWnd))
-    text = state->text.c_str();
-}
-
 void CWnd::GetWindowRect(RECT *rect) const {
   if (!::GetWindowRect(m_hWnd, rect) && rect != nullptr)
     *rect = RECT{};
@@ -151,26 +98,6 @@ void CWnd::MoveWindow(int x, int y, int width, int height, BOOL repaint) {
 
 void CWnd::InvalidateRect(const RECT *rect, BOOL erase) {
   ::InvalidateRect(m_hWnd, rect, erase);
-}
-
-void CWnd::CenterWindow(CWnd *) {
-  const WindowState *state = findWindow(m_hWnd);
-  if (state == nullptr)
-    return;
-  RECT area{0, 0, kScreenWidth, kScreenHeight};
-  if (state->parent != nullptr)
-    ::GetClientRect(state->parent, &area);
-  const RECT rect = state->rect;
-  const int width = rect.right - rect.left;
-  const int height = rect.bottom - rect.top;
-  int left = area.left + (area.right - area.left - width) / 2;
-  int top = area.top + (area.bottom - area.top - height) / 2;
-  if (state->parent == nullptr) {
-    // A top-level window keeps its caption on the screen.
-    left = std::max(left, 0);
-    top = std::max(top, 0);
-  }
-  placeWindow(m_hWnd, RECT{left, top, left + width, top + height});
 }
 
 CWnd *CWnd::SetFocus() {

@@ -13,7 +13,8 @@ enum : int {
   kMailDirMissing = 4,    // the mail directory is missing or not a directory
 };
 
-using FileAttributesSource = DWORD (*)(const char *path);
+// The type of GetFileAttributesA itself, whose calling convention differs on 32-bit Windows.
+using FileAttributesSource = decltype(&GetFileAttributesA);
 
 // The verdict on `exeDir`, the program `candidates` (paths; any that exists will do, a
 // directory too) and `mailDir`.
