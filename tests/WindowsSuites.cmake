@@ -41,7 +41,7 @@ endfunction()
 tuk_windows_suite(store store/FastKernels_test.cpp store/LocalTime_test.cpp
                   store/MailDate_test.cpp store/MailMsg_test.cpp store/MailProps_test.cpp)
 tuk_windows_suite(agent agent/Language_test.cpp agent/Lifecycle_test.cpp)
-tuk_windows_suite(hostile hostile/HostCalls_test.cpp)
+tuk_windows_suite(hostile hostile/HostCalls_test.cpp win/WinHostile_test.cpp)
 tuk_windows_suite(cmn cmn/Acdr_test.cpp platform/CString_test.cpp)
 
 # The DLL's one export, read from its export table.
