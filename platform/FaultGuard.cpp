@@ -13,6 +13,7 @@
 // SIGBUS itself unblocked and sa_mask is empty. Otherwise the second fault on a thread would
 // find SIGBUS blocked, and the kernel kills a process that faults with the signal blocked.
 #include "FaultGuard.h"
+#include "FrameRestorer.h"
 
 #include <atomic>
 #include <csetjmp>
@@ -82,23 +83,6 @@ void installHandler() {
   sigaction(SIGBUS, &action, nullptr);
 }
 
-// Restores the enclosing frame however runGuarded is left: by return, by a fault, or by an
-// exception from the guarded function.
-class FrameRestorer {
-public:
-  FrameRestorer(GuardFrame **innermost, GuardFrame *outer) : innermost_(innermost), outer_(outer) {}
-  FrameRestorer(const FrameRestorer &) = delete;
-  FrameRestorer &operator=(const FrameRestorer &) = delete;
-  ~FrameRestorer() {
-    std::atomic_signal_fence(std::memory_order_seq_cst);
-    *innermost_ = outer_;
-  }
-
-private:
-  GuardFrame **const innermost_;
-  GuardFrame *const outer_;
-};
-
 void ensureHandler() {
   if (handlerReady.load(std::memory_order_acquire))
     return;
@@ -116,7 +100,7 @@ bool runGuarded(void (*fn)(void *context), void *context) {
   GuardFrame **const innermost = &innermostFrame;
   GuardFrame frame;
   frame.outer = *innermost;
-  FrameRestorer restorer(innermost, frame.outer);
+  FrameRestorer<GuardFrame> restorer(innermost, frame.outer);
   if (sigsetjmp(frame.resume, 0) != 0)
     return false;
   *innermost = &frame;

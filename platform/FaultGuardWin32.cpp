@@ -14,6 +14,7 @@
 // the stack and frame pointers and jumps, and the compiler saves every register that
 // runGuarded needs across it.
 #include "FaultGuard.h"
+#include "FrameRestorer.h"
 
 #include "WinTypes.h"
 
@@ -59,21 +60,6 @@ void ensureHandler() {
   handlerReady.store(true, std::memory_order_release);
 }
 
-class FrameRestorer {
-public:
-  FrameRestorer(GuardFrame **innermost, GuardFrame *outer) : innermost_(innermost), outer_(outer) {}
-  FrameRestorer(const FrameRestorer &) = delete;
-  FrameRestorer &operator=(const FrameRestorer &) = delete;
-  ~FrameRestorer() {
-    std::atomic_signal_fence(std::memory_order_seq_cst);
-    *innermost_ = outer_;
-  }
-
-private:
-  GuardFrame **const innermost_;
-  GuardFrame *const outer_;
-};
-
 } // namespace
 
 bool runGuarded(void (*fn)(void *context), void *context) {
@@ -81,7 +67,7 @@ bool runGuarded(void (*fn)(void *context), void *context) {
   GuardFrame **const innermost = &innermostFrame;
   GuardFrame frame;
   frame.outer = *innermost;
-  FrameRestorer restorer(innermost, frame.outer);
+  FrameRestorer<GuardFrame> restorer(innermost, frame.outer);
   if (__builtin_setjmp(frame.resume) != 0)
     return false;
   *innermost = &frame;
