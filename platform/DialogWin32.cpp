@@ -53,10 +53,10 @@ INT_PTR CDialog::DoModal() {
   if (m_hWnd != nullptr)
     return -1;
   modal_ = true;
-  const INT_PTR result = DialogBoxParamA(
-      templateModule(m_nIDTemplate), MAKEINTRESOURCEA(m_nIDTemplate),
-      m_pParentWnd != nullptr ? m_pParentWnd->m_hWnd : nullptr, dialogProc,
-      reinterpret_cast<LPARAM>(this));
+  const INT_PTR result =
+      DialogBoxParamA(templateModule(m_nIDTemplate), MAKEINTRESOURCEA(m_nIDTemplate),
+                      m_pParentWnd != nullptr ? m_pParentWnd->m_hWnd : nullptr, dialogProc,
+                      reinterpret_cast<LPARAM>(this));
   modal_ = false;
   return result;
 }

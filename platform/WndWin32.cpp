@@ -101,8 +101,8 @@ BOOL CWnd::SubclassDlgItem(UINT id, CWnd *parent) {
   attached()[control] = this;
   m_hWnd = control;
   ownsWindow_ = false;
-  replacedProcedures()[control] = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(
-      control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&subclassedProcedure)));
+  replacedProcedures()[control] = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtrA(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&subclassedProcedure)));
   return TRUE;
 }
 
