@@ -33,8 +33,10 @@ typedef CModule *HINSTANCE;
 typedef CModule *HMODULE;
 // Declares `name`, the module of the library this is compiled into, whose string table and
 // dialog templates are `resources`.
+// `name` is declared here, so it can't be parenthesised.
+// NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define TUK_LIBRARY_MODULE(name, resources) CModule name = {&(resources), &name, nullptr}
-#define TUK_LIBRARY_INSTANCE(name) (&name)
+#define TUK_LIBRARY_INSTANCE(name) (&(name))
 #endif
 
 class CWinApp;
