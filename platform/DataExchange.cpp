@@ -1,16 +1,13 @@
 // Controls and data exchange: CButton's check state, DDX_Control and DDX_Check.
 #include "Dialogs.h"
-#include "WindowSystem.h"
 
+// Through the parent, as a dialog asks its controls: the same calls on every platform.
 int CButton::GetCheck() const {
-  const WindowState *state = findWindow(m_hWnd);
-  return state != nullptr && state->kind == WindowKind::CheckBox ? state->check : 0;
+  return static_cast<int>(IsDlgButtonChecked(::GetParent(m_hWnd), GetDlgCtrlID(m_hWnd)));
 }
 
 void CButton::SetCheck(int check) {
-  WindowState *state = findWindow(m_hWnd);
-  if (state != nullptr && state->kind == WindowKind::CheckBox)
-    state->check = check != 0 ? 1 : 0;
+  CheckDlgButton(::GetParent(m_hWnd), GetDlgCtrlID(m_hWnd), check != 0 ? 1 : 0);
 }
 
 void DDX_Control(CDataExchange *dx, int id, CWnd &control) {

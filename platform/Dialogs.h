@@ -81,6 +81,11 @@ private:
     LPARAM lParam;
   };
 
+  // What the window does with a message that no entry of the map takes.
+  LRESULT defaultHandling(UINT message, WPARAM wParam, LPARAM lParam);
+  // Lets go of the window, so that its messages no longer reach this object.
+  void unbind();
+
   AFX_MODULE_STATE *moduleState_;
   Message current_{};
   bool ownsWindow_ = false;
@@ -120,11 +125,13 @@ protected:
   CWnd *m_pParentWnd = nullptr;
 
 private:
+  bool modal_ = false;
+#ifndef _WIN32
   BOOL createFromTemplate(const DialogTemplate &dialog, HWND parent);
 
-  bool modal_ = false;
   bool modalEnded_ = false;
   int modalResult_ = -1;
+#endif
 };
 
 class CEdit : public CWnd {};

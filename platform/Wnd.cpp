@@ -1,8 +1,8 @@
-// CWnd: the class object of a window, its message map and the calls it wraps.
+// CWnd: the class object of a window, its message map and the calls it wraps, the same on
+// every platform. How objects are bound to windows: WndBinding.cpp, WndWin32.cpp.
 #include "Dialogs.h"
-#include "WindowSystem.h"
 
-#include <algorithm>
+#include <string>
 
 CWnd::CWnd() : moduleState_(AfxGetModuleState()) {}
 
@@ -10,51 +10,11 @@ CWnd::~CWnd() {
   const HWND window = m_hWnd;
   if (window == nullptr)
     return;
-  // Detached first, so that nothing reaches this half-destroyed object.
-  if (WindowState *state = findWindow(window); state != nullptr && state->object == this)
-    state->object = nullptr;
+  // Let go first, so that nothing reaches this half-destroyed object.
+  unbind();
   m_hWnd = nullptr;
   if (ownsWindow_)
     ::DestroyWindow(window);
-}
-
-CWnd *CWnd::FromHandle(HWND window) {
-  WindowState *state = findWindow(window);
-  if (state == nullptr)
-    return nullptr;
-  if (state->object == nullptr) {
-    state->ownObject = std::make_unique<CWnd>();
-    state->ownObject->m_hWnd = window;
-    state->object = state->ownObject.get();
-  }
-  return state->object;
-}
-
-void CWnd::attachCreated(HWND window) {
-  WindowState *state = findWindow(window);
-  if (state == nullptr)
-    return;
-  state->object = this;
-  m_hWnd = window;
-  ownsWindow_ = true;
-}
-
-BOOL CWnd::SubclassDlgItem(UINT id, CWnd *parent) {
-  if (m_hWnd != nullptr || parent == nullptr)
-    return FALSE;
-  const HWND control = ::GetDlgItem(parent->m_hWnd, static_cast<int>(id));
-  WindowState *state = findWindow(control);
-  if (state == nullptr)
-    return FALSE;
-  if (state->object != nullptr) {
-    if (state->object != state->ownObject.get())
-      return FALSE; // another object has it
-    state->ownObject->windowDetached();
-  }
-  state->object = this;
-  m_hWnd = control;
-  ownsWindow_ = false;
-  return TRUE;
 }
 
 const MessageMap *CWnd::GetMessageMap() const {
@@ -82,11 +42,11 @@ LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
       return entry.handler(*this, wParam, lParam);
     }
   }
-  return ::DefWindowProcA(m_hWnd, message, wParam, lParam);
+  return defaultHandling(message, wParam, lParam);
 }
 
 LRESULT CWnd::Default() {
-  return ::DefWindowProcA(m_hWnd, current_.message, current_.wParam, current_.lParam);
+  return defaultHandling(current_.message, current_.wParam, current_.lParam);
 }
 
 void CWnd::DoDataExchange(CDataExchange *) {}
@@ -117,8 +77,11 @@ void CWnd::SetWindowTextA(const char *text) {
 void CWnd::GetWindowTextA(CString &text) const {
   // Without a window the string keeps what it held: a page whose window the host destroyed
   // then stores what it loaded, never empty values.
-  if (const WindowState *state = findWindow(m_hWnd))
-    text = state->text.c_str();
+  if (!::IsWindow(m_hWnd))
+    return;
+  std::string buffer(static_cast<size_t>(::GetWindowTextLengthA(m_hWnd)) + 1, '\0');
+  const int copied = ::GetWindowTextA(m_hWnd, buffer.data(), static_cast<int>(buffer.size()));
+  text = CString(buffer.data(), copied);
 }
 
 void CWnd::GetWindowRect(RECT *rect) const {
@@ -151,26 +114,6 @@ void CWnd::MoveWindow(int x, int y, int width, int height, BOOL repaint) {
 
 void CWnd::InvalidateRect(const RECT *rect, BOOL erase) {
   ::InvalidateRect(m_hWnd, rect, erase);
-}
-
-void CWnd::CenterWindow(CWnd *) {
-  const WindowState *state = findWindow(m_hWnd);
-  if (state == nullptr)
-    return;
-  RECT area{0, 0, kScreenWidth, kScreenHeight};
-  if (state->parent != nullptr)
-    ::GetClientRect(state->parent, &area);
-  const RECT rect = state->rect;
-  const int width = rect.right - rect.left;
-  const int height = rect.bottom - rect.top;
-  int left = area.left + (area.right - area.left - width) / 2;
-  int top = area.top + (area.bottom - area.top - height) / 2;
-  if (state->parent == nullptr) {
-    // A top-level window keeps its caption on the screen.
-    left = std::max(left, 0);
-    top = std::max(top, 0);
-  }
-  placeWindow(m_hWnd, RECT{left, top, left + width, top + height});
 }
 
 CWnd *CWnd::SetFocus() {
