@@ -89,6 +89,13 @@ private:
   AFX_MODULE_STATE *moduleState_;
   Message current_{};
   bool ownsWindow_ = false;
+#ifdef _WIN32
+  // The system's windows reach their objects through WindowBinding (WindowBinding.h). A dialog
+  // procedure asks the dialog manager for the default handling by its result, after the
+  // handler: defaultWanted_ says a handler asked for it.
+  friend struct WindowBinding;
+  bool defaultWanted_ = false;
+#endif
 };
 
 class CDialog : public CWnd {
@@ -108,14 +115,15 @@ public:
   virtual void OnCancel();
 
   // Makes the window of a modeless dialog from template `templateId` of the current resource
-  // module, as a child of `parent` for a child template: the window gets WM_SIZE, then its
-  // controls are made, then WM_INITDIALOG; a template with WS_VISIBLE is then shown. FALSE
-  // when there is no such template, a child template has no parent, or the object has a
-  // window already.
+  // module (else of the state's own module), as a child of `parent` for a child template: the
+  // window gets WM_SIZE, then its controls are made (on Windows, before the WM_SIZE), then
+  // WM_INITDIALOG; a template with WS_VISIBLE is then shown. FALSE when there is no such
+  // template, a child template has no parent, or the object has a window already.
   BOOL Create(UINT templateId, CWnd *parent = nullptr);
   // Makes the dialog of the constructor's template and hands it to the process-wide user
   // (WindowApi.h) until it ends; destroys it and returns the EndDialog result. IDCANCEL
   // without showing anything when no user is installed; -1 when the window can't be made.
+  // On Windows the dialog manager's modal loop runs it, with the parent disabled meanwhile.
   INT_PTR DoModal();
   // A modal dialog ends with `result` when its user is done; a modeless one is hidden.
   void EndDialog(int result);
