@@ -13,7 +13,8 @@ enum : int {
   kMailDirMissing = 4,    // the mail directory is missing or not a directory
 };
 
-using FileAttributesSource = DWORD (*)(const char *path);
+// GetFileAttributesA's own type, whose calling convention is the system's on 32-bit Windows.
+using FileAttributesSource = decltype(&GetFileAttributesA);
 
 // The verdict on `exeDir`, the program `candidates` (paths; any that exists will do, a
 // directory too) and `mailDir`.
