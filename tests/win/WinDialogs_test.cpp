@@ -24,16 +24,16 @@ std::string text(HWND dialog, int id) {
   return buffer;
 }
 
-// Waits for a shown dialog of this process titled `title` (null: any, a message box too), and
-// hands it to `answer`.
+// Waits for a shown dialog of this thread titled `title` (null: any, a message box too), and
+// hands it to `answer`. Other test programs show dialogs on the same desktop at once.
 class DialogAnswerer {
 public:
   DialogAnswerer(const char *title, std::function<void(HWND)> answer)
-      : thread_([title, answer] {
+      : thread_([title, answer, owner = GetCurrentThreadId()] {
           for (int tries = 0; tries < 1000; Sleep(10), ++tries) {
-            const HWND dialog = FindWindowA("#32770", title);
-            if (dialog != nullptr && IsWindowVisible(dialog))
-              return answer(dialog);
+            for (HWND dialog = nullptr; (dialog = FindWindowExA(nullptr, dialog, "#32770", title));)
+              if (GetWindowThreadProcessId(dialog, nullptr) == owner && IsWindowVisible(dialog))
+                return answer(dialog);
           }
         }) {}
   ~DialogAnswerer() { thread_.join(); }
@@ -70,8 +70,9 @@ public:
 
 class WinDialogsTest : public ::testing::Test {
 protected:
-  void SetUp() override { RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Tuk"); }
-  void TearDown() override { RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Tuk"); }
+  // Keys of the program's own: other test programs use the same registry at once.
+  void SetUp() override { RegDeleteTreeA(HKEY_CURRENT_USER, agents.c_str()); }
+  void TearDown() override { RegDeleteTreeA(HKEY_CURRENT_USER, agents.c_str()); }
   static Window hostFrame() {
     return Window(CreateWindowExA(0, "STATIC", "Host", WS_OVERLAPPEDWINDOW, 0, 0, 640, 480, nullptr,
                                   nullptr, nullptr, nullptr));
@@ -95,7 +96,8 @@ protected:
   AFX_MAINTAIN_STATE guard{&state};
   Watchdog watchdog{60};
   TempDir dir;
-  const std::string agents = "Software\\Tuk\\Agents\\", mailDir = dir.file("Mail");
+  const std::string agents = "Software\\Tuk\\Test" + std::to_string(GetCurrentProcessId()) + "\\";
+  const std::string mailDir = dir.file("Mail");
   Window frame = hostFrame();
 };
 
