@@ -1,6 +1,5 @@
-// CDialog: the message map and handlers of a dialog, the same on every platform. Making the
-// window from its template and the modal loop are the window system's (DialogTemplates.cpp,
-// DialogWin32.cpp).
+// CDialog: the handlers of a dialog's OK and Cancel and its first show, the same on every
+// platform. How a dialog is made and ended: DialogTemplates.cpp, DialogWin32.cpp.
 #include "Dialogs.h"
 
 #include <iterator>

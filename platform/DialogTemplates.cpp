@@ -1,4 +1,4 @@
-// CDialog on the headless window system: a dialog made from a template of the current
+// CDialog over the headless window system: a dialog made from a template of the current
 // resource module, modeless with Create or modal with DoModal, whose modal loop is the
 // process-wide user.
 #include "Dialogs.h"
@@ -7,7 +7,6 @@
 #include "WindowSystem.h"
 
 #include <cstring>
-#include <iterator>
 #include <string>
 
 namespace {

@@ -81,9 +81,21 @@ private:
     LPARAM lParam;
   };
 
+  // What the window does with a message that no entry of the map takes.
+  LRESULT defaultHandling(UINT message, WPARAM wParam, LPARAM lParam);
+  // Lets go of the window, so that its messages no longer reach this object.
+  void unbind();
+
   AFX_MODULE_STATE *moduleState_;
   Message current_{};
   bool ownsWindow_ = false;
+#ifdef _WIN32
+  // The system's windows reach their objects through WindowBinding (WindowBinding.h). A dialog
+  // procedure asks the dialog manager for the default handling by its result, after the
+  // handler: defaultWanted_ says a handler asked for it.
+  friend struct WindowBinding;
+  bool defaultWanted_ = false;
+#endif
 };
 
 class CDialog : public CWnd {
@@ -103,14 +115,15 @@ public:
   virtual void OnCancel();
 
   // Makes the window of a modeless dialog from template `templateId` of the current resource
-  // module, as a child of `parent` for a child template: the window gets WM_SIZE, then its
-  // controls are made, then WM_INITDIALOG; a template with WS_VISIBLE is then shown. FALSE
-  // when there is no such template, a child template has no parent, or the object has a
-  // window already.
+  // module (else of the state's own module), as a child of `parent` for a child template: the
+  // window gets WM_SIZE, then its controls are made (on Windows, before the WM_SIZE), then
+  // WM_INITDIALOG; a template with WS_VISIBLE is then shown. FALSE when there is no such
+  // template, a child template has no parent, or the object has a window already.
   BOOL Create(UINT templateId, CWnd *parent = nullptr);
   // Makes the dialog of the constructor's template and hands it to the process-wide user
   // (WindowApi.h) until it ends; destroys it and returns the EndDialog result. IDCANCEL
   // without showing anything when no user is installed; -1 when the window can't be made.
+  // On Windows the dialog manager's modal loop runs it, with the parent disabled meanwhile.
   INT_PTR DoModal();
   // A modal dialog ends with `result` when its user is done; a modeless one is hidden.
   void EndDialog(int result);
@@ -120,15 +133,13 @@ protected:
   CWnd *m_pParentWnd = nullptr;
 
 private:
-  BOOL createFromTemplate(const DialogTemplate &dialog, HWND parent);
-#ifdef _WIN32
-  // The dialog manager's procedure of every dialog this class makes.
-  static INT_PTR CALLBACK dialogProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-#endif
-
   bool modal_ = false;
+#ifndef _WIN32
+  BOOL createFromTemplate(const DialogTemplate &dialog, HWND parent);
+
   bool modalEnded_ = false;
   int modalResult_ = -1;
+#endif
 };
 
 class CEdit : public CWnd {};

@@ -32,10 +32,6 @@ struct MessageMap {
   size_t count;
 };
 
-// The first entry of the map chain from `map` that takes `message` (for WM_COMMAND, a click of
-// the control in the low word of `wParam`), or null.
-const MessageMapEntry *findMessageEntry(const MessageMap *map, UINT message, WPARAM wParam);
-
 namespace message_map_detail {
 template <class Member> struct ClassOf;
 template <class Class, class Type> struct ClassOf<Type Class::*> { using type = Class; };

@@ -77,6 +77,13 @@ protected:
 void *CoTaskMemAlloc(size_t size);
 void CoTaskMemFree(void *block);
 
+// COM needs no setting up here: any thread may call the shell. S_OK, and nothing to undo.
+enum : DWORD { COINIT_APARTMENTTHREADED = 0x2 };
+inline HRESULT CoInitializeEx(void *, DWORD) {
+  return S_OK;
+}
+inline void CoUninitialize() {}
+
 // The root of the namespace. The desktop names a folder by its path as STRRET_WSTR, or, when
 // the path's bytes are no valid text of the code page, as STRRET_OFFSET into the list.
 HRESULT SHGetDesktopFolder(IShellFolder **folder);

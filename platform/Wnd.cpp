@@ -1,9 +1,21 @@
 // CWnd: the class object of a window, its message map and the calls it wraps, the same on
-// every platform. How an object is bound to its window is the window system's (WndBinding.cpp,
-// WndWin32.cpp).
+// every platform. How objects are bound to windows: WndBinding.cpp, WndWin32.cpp.
 #include "Dialogs.h"
 
+#include <string>
+
 CWnd::CWnd() : moduleState_(AfxGetModuleState()) {}
+
+CWnd::~CWnd() {
+  const HWND window = m_hWnd;
+  if (window == nullptr)
+    return;
+  // Let go first, so that nothing reaches this half-destroyed object.
+  unbind();
+  m_hWnd = nullptr;
+  if (ownsWindow_)
+    ::DestroyWindow(window);
+}
 
 const MessageMap *CWnd::GetMessageMap() const {
   static const MessageMap map = {nullptr, nullptr, 0};
@@ -19,28 +31,22 @@ LRESULT CWnd::handleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   return result;
 }
 
-const MessageMapEntry *findMessageEntry(const MessageMap *map, UINT message, WPARAM wParam) {
-  for (; map != nullptr; map = map->base) {
+LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+  for (const MessageMap *map = GetMessageMap(); map != nullptr; map = map->base) {
     for (size_t i = 0; i < map->count; ++i) {
       const MessageMapEntry &entry = map->entries[i];
       if (entry.message != message)
         continue;
       if (message == WM_COMMAND && (entry.id != LOWORD(wParam) || HIWORD(wParam) != BN_CLICKED))
         continue;
-      return &entry;
+      return entry.handler(*this, wParam, lParam);
     }
   }
-  return nullptr;
-}
-
-LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-  if (const MessageMapEntry *entry = findMessageEntry(GetMessageMap(), message, wParam))
-    return entry->handler(*this, wParam, lParam);
-  return ::DefWindowProcA(m_hWnd, message, wParam, lParam);
+  return defaultHandling(message, wParam, lParam);
 }
 
 LRESULT CWnd::Default() {
-  return ::DefWindowProcA(m_hWnd, current_.message, current_.wParam, current_.lParam);
+  return defaultHandling(current_.message, current_.wParam, current_.lParam);
 }
 
 void CWnd::DoDataExchange(CDataExchange *) {}
@@ -66,6 +72,16 @@ CWnd *CWnd::GetDlgItem(int id) const {
 
 void CWnd::SetWindowTextA(const char *text) {
   ::SetWindowTextA(m_hWnd, text);
+}
+
+void CWnd::GetWindowTextA(CString &text) const {
+  // Without a window the string keeps what it held: a page whose window the host destroyed
+  // then stores what it loaded, never empty values.
+  if (!::IsWindow(m_hWnd))
+    return;
+  std::string buffer(static_cast<size_t>(::GetWindowTextLengthA(m_hWnd)) + 1, '\0');
+  const int copied = ::GetWindowTextA(m_hWnd, buffer.data(), static_cast<int>(buffer.size()));
+  text = CString(buffer.data(), copied);
 }
 
 void CWnd::GetWindowRect(RECT *rect) const {

@@ -1,21 +1,9 @@
-// CWnd and CButton bound to the headless window system: which object a window has, and the
-// calls that read the window state directly.
+// CWnd over the headless window system: a window's state names the object that gets its
+// messages, and holds the one FromHandle made when no object had it.
 #include "Dialogs.h"
 #include "WindowSystem.h"
 
 #include <algorithm>
-
-CWnd::~CWnd() {
-  const HWND window = m_hWnd;
-  if (window == nullptr)
-    return;
-  // Detached first, so that nothing reaches this half-destroyed object.
-  if (WindowState *state = findWindow(window); state != nullptr && state->object == this)
-    state->object = nullptr;
-  m_hWnd = nullptr;
-  if (ownsWindow_)
-    ::DestroyWindow(window);
-}
 
 CWnd *CWnd::FromHandle(HWND window) {
   WindowState *state = findWindow(window);
@@ -38,6 +26,11 @@ void CWnd::attachCreated(HWND window) {
   ownsWindow_ = true;
 }
 
+void CWnd::unbind() {
+  if (WindowState *state = findWindow(m_hWnd); state != nullptr && state->object == this)
+    state->object = nullptr;
+}
+
 BOOL CWnd::SubclassDlgItem(UINT id, CWnd *parent) {
   if (m_hWnd != nullptr || parent == nullptr)
     return FALSE;
@@ -56,11 +49,8 @@ BOOL CWnd::SubclassDlgItem(UINT id, CWnd *parent) {
   return TRUE;
 }
 
-void CWnd::GetWindowTextA(CString &text) const {
-  // Without a window the string keeps what it held: a page whose window the host destroyed
-  // then stores what it loaded, never empty values.
-  if (const WindowState *state = findWindow(m_hWnd))
-    text = state->text.c_str();
+LRESULT CWnd::defaultHandling(UINT message, WPARAM wParam, LPARAM lParam) {
+  return ::DefWindowProcA(m_hWnd, message, wParam, lParam);
 }
 
 void CWnd::CenterWindow(CWnd *) {
@@ -81,15 +71,4 @@ void CWnd::CenterWindow(CWnd *) {
     top = std::max(top, 0);
   }
   placeWindow(m_hWnd, RECT{left, top, left + width, top + height});
-}
-
-int CButton::GetCheck() const {
-  const WindowState *state = findWindow(m_hWnd);
-  return state != nullptr && state->kind == WindowKind::CheckBox ? state->check : 0;
-}
-
-void CButton::SetCheck(int check) {
-  WindowState *state = findWindow(m_hWnd);
-  if (state != nullptr && state->kind == WindowKind::CheckBox)
-    state->check = check != 0 ? 1 : 0;
 }

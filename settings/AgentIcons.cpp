@@ -3,7 +3,7 @@
 #include "agent/Agent.h"
 
 #include "include/tuk/AgentLog.h"
-#include "platform/Shell.h"
+#include "settings/ShellHandles.h"
 #include "store/MFNList.h"
 
 AGENT_LOG_SOURCE(".\\Agent");
@@ -25,6 +25,7 @@ int32_t CMHAgent::getObjectIcon(uint32_t, int32_t *smallIconOut, int32_t *largeI
   AGENT_LOG("Getting icons from [%s]", program.GetString());
 
   // The image list handle only tells success; the host gets indices into the lists.
+  const ComApartment com;
   SHFILEINFOA info{};
   largeIcon =
       SHGetFileInfoA(program, 0, &info, sizeof info, SHGFI_SYSICONINDEX) != 0 ? info.iIcon : 0;

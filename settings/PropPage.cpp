@@ -77,6 +77,7 @@ int CPropPage::browseForFolder(UINT titleId, CString &path) {
   info.pszDisplayName = displayName;
   info.lpszTitle = title;
   info.ulFlags = BIF_RETURNONLYFSDIRS;
+  const ComApartment com;
   const ItemList chosen(SHBrowseForFolderA(&info));
   if (!chosen)
     return 0;

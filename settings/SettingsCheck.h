@@ -13,7 +13,7 @@ enum : int {
   kMailDirMissing = 4,    // the mail directory is missing or not a directory
 };
 
-// The type of GetFileAttributesA itself, whose calling convention differs on 32-bit Windows.
+// GetFileAttributesA's own type, whose calling convention is the system's on 32-bit Windows.
 using FileAttributesSource = decltype(&GetFileAttributesA);
 
 // The verdict on `exeDir`, the program `candidates` (paths; any that exists will do, a

@@ -1,5 +1,6 @@
 // ShellRef, ItemList and TaskMem: owners for what the shell hands out, interfaces to release,
-// item lists to free with the shell's allocator and blocks of its task allocator.
+// item lists to free with the shell's allocator and blocks of its task allocator; and
+// ComApartment, the COM set-up the shell's calls need.
 #pragma once
 
 #include "platform/Shell.h"
@@ -28,3 +29,20 @@ struct TaskMemFreer {
   void operator()(void *block) const { CoTaskMemFree(block); }
 };
 template <class T> using TaskMem = std::unique_ptr<T, TaskMemFreer>;
+
+// COM on this thread, single-threaded, for a scope: the folder picker and the file icons need
+// it. A thread whose COM is set up already keeps it as it was; one whose COM is
+// multi-threaded calls the shell all the same, as nothing better is left.
+class ComApartment {
+public:
+  ComApartment() : initialised_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED) >= 0) {}
+  ComApartment(const ComApartment &) = delete;
+  ComApartment &operator=(const ComApartment &) = delete;
+  ~ComApartment() {
+    if (initialised_)
+      CoUninitialize(); // S_FALSE too: every successful call is balanced
+  }
+
+private:
+  bool initialised_;
+};

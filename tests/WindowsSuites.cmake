@@ -48,6 +48,8 @@ tuk_windows_suite(cmn cmn/Acdr_test.cpp platform/CString_test.cpp)
 add_test(NAME DllExportsOnlyInitAgent
          COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/win/dll_exports.sh ${CMAKE_OBJDUMP}
                  $<TARGET_FILE:tuk_mhmail>)
+# The class library, the settings pages and the View Email window on the system's dialogs.
+tuk_windows_suite(win win/WinDialogs_test.cpp)
 
 # The digest of the sample stores under wine, record for record the POSIX build's (its build
 # folder, build/default, must be built first).
