@@ -4,8 +4,8 @@
 #include "host/Commands.h"
 #include "host/ExitStatus.h"
 #include "host/IndexDb.h"
+#include "host/IndexRun.h"
 #include "host/IndexRunLock.h"
-#include "host/Indexer.h"
 #include "host/StoreTree.h"
 #include "host/TextRebuild.h"
 
@@ -61,7 +61,7 @@ void printSummary(const IndexSummary &summary, double seconds) {
 }
 
 int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &settings, bool stats,
-               bool heading) {
+               bool heading, const StoreIndexed &onStore) {
   const auto start = std::chrono::steady_clock::now();
   std::string error, mailDirectory;
   if (!existingMailDirectory(agentKey, mailDirectory, error))
@@ -102,12 +102,15 @@ int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &set
   if (stats)
     printStats(summary);
   printSummary(summary, seconds);
+  if (onStore)
+    onStore(agentKey, summary);
   return kExitOk;
 }
 
 // Updates every store the command line names, or every store the index holds and config set
 // up; then, when stale rows call for it, makes the full-text table anew.
-int indexStores(const CommandLine &line, const HostSettings &settings, IndexDb &db) {
+int indexStores(const HostSettings &settings, bool stats, const StoreIndexed &onStore,
+                IndexDb &db) {
   std::vector<std::string> keys;
   if (!settings.agentKey.empty()) {
     keys.push_back(settings.agentKey);
@@ -125,7 +128,7 @@ int indexStores(const CommandLine &line, const HostSettings &settings, IndexDb &
   }
   int status = kExitOk;
   for (const std::string &key : keys) {
-    const int result = indexStore(db, key, settings, line.has("stats"), keys.size() > 1);
+    const int result = indexStore(db, key, settings, stats, keys.size() > 1, onStore);
     if (result != kExitOk)
       status = result;
   }
@@ -163,14 +166,14 @@ std::unique_ptr<IndexDb> openForRun(const std::string &path, IndexRunLock &runLo
 
 } // namespace
 
-int runIndex(const CommandLine &line, const HostSettings &settings) {
+int updateStores(const HostSettings &settings, bool stats, const StoreIndexed &onStore) {
   std::string error;
   IndexRunLock runLock;
   bool fresh = false;
   std::unique_ptr<IndexDb> db = openForRun(settings.databasePath, runLock, fresh, error);
   if (!db)
     return reportError(error);
-  const int status = indexStores(line, settings, *db);
+  const int status = indexStores(settings, stats, onStore, *db);
   if (!fresh)
     return status;
   // A new index goes in place once whole: after a database error it is dropped.
@@ -183,4 +186,8 @@ int runIndex(const CommandLine &line, const HostSettings &settings) {
   if (!IndexDb::publish(settings.databasePath, error))
     return reportError(error);
   return status;
+}
+
+int runIndex(const CommandLine &line, const HostSettings &settings) {
+  return updateStores(settings, line.has("stats"), nullptr);
 }

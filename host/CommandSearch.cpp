@@ -1,12 +1,10 @@
 // mhhost search: ranked hits from the index, as lines for a person or as JSON lines.
-#include "host/AgentRegistry.h"
-#include "host/Clients.h"
 #include "host/Commands.h"
 #include "host/ExitStatus.h"
 #include "host/HitSnippets.h"
 #include "host/IndexDb.h"
 #include "host/Json.h"
-#include "host/QueryParser.h"
+#include "host/SearchRequest.h"
 #include "host/Terminal.h"
 #include "host/TimeText.h"
 #include "host/VisibleText.h"
@@ -15,8 +13,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <map>
-#include <utility>
 
 namespace {
 
@@ -39,47 +35,11 @@ std::string oneLine(const std::string &text) {
   return line;
 }
 
-// The snippet's marks: private-use characters, which mail text does not hold, so that what
-// the mail holds is made visible first and only our marks become the terminal's bold.
-const char kMarkStart[] = "\xEE\x80\x80", kMarkEnd[] = "\xEE\x80\x81";
-
 std::string replaced(std::string text, const std::string &from, const std::string &to) {
   for (size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size())
     text.replace(at, from.size(), to);
   return text;
 }
-
-// Where a hit lives: its store (the client, or the agent key of a store of its own) and its
-// folder, the mailbox's path below the store's mail directory.
-struct HitPlace {
-  std::string store, folder;
-};
-
-class PlaceNames {
-public:
-  HitPlace of(const SearchHit &hit) {
-    auto found = stores_.find(hit.agentKey);
-    if (found == stores_.end()) {
-      const ClientInfo *const client = clientOfKey(hit.agentKey);
-      std::string mailDirectory;
-      readAgentValue(hit.agentKey, kMailPathValue, mailDirectory);
-      const bool ownKey = client == nullptr || hit.agentKey != defaultAgentKey(*client);
-      found = stores_
-                  .emplace(hit.agentKey,
-                           std::make_pair(ownKey ? hit.agentKey : std::string(client->name),
-                                          mailDirectory))
-                  .first;
-    }
-    const std::string &directory = found->second.second;
-    const bool below = !directory.empty() && hit.path.size() > directory.size() + 1 &&
-                       hit.path.compare(0, directory.size(), directory) == 0 &&
-                       hit.path[directory.size()] == '/';
-    return {found->second.first, below ? hit.path.substr(directory.size() + 1) : hit.path};
-  }
-
-private:
-  std::map<std::string, std::pair<std::string, std::string>> stores_; // key: name, directory
-};
 
 void printHit(const SearchHit &hit, const HitPlace &place, const std::string &markStart,
               const std::string &markEnd) {
@@ -117,21 +77,12 @@ int runSearch(const CommandLine &line, const HostSettings &settings) {
   std::string text;
   for (const std::string &argument : line.arguments)
     text += (text.empty() ? "" : " ") + argument;
-  ParsedQuery parsed;
+  SearchQuery query;
   QueryError problem;
-  if (!parseQuery(text, std::time(nullptr), parsed, problem))
+  if (!readSearchQuery(text, query, problem))
     return reportUsageError("search", "the query can't be read: " + problem.what + "\n  " +
                                           visibleText(text) + "\n  " +
                                           std::string(problem.position, ' ') + "^");
-  SearchQuery query;
-  query.match = parsed.match;
-  query.without = parsed.without;
-  query.folders = parsed.folders;
-  query.clientTags = parsed.clientTags;
-  query.ids = parsed.ids;
-  query.dated = parsed.dated;
-  query.since = parsed.since;
-  query.until = parsed.until;
   query.agentKey = settings.agentKey;
   if (line.has("limit") && (!readCount(line.value("limit"), query.limit) || query.limit == 0))
     return reportUsageError("search", "--limit wants a number of 1 or more");

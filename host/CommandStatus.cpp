@@ -1,25 +1,16 @@
 // mhhost status: the stores that are set up or indexed, where their mail is, how many
 // messages the index holds of each and when it last read them; and the index itself.
 #include "host/AgentRegistry.h"
-#include "host/Clients.h"
 #include "host/Commands.h"
 #include "host/ExitStatus.h"
 #include "host/IndexDb.h"
+#include "host/SearchRequest.h"
 #include "host/TimeText.h"
 #include "host/VisibleText.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <sys/stat.h>
-
-namespace {
-
-std::string storeName(const std::string &agentKey) {
-  const ClientInfo *const client = clientOfKey(agentKey);
-  return client != nullptr && agentKey == defaultAgentKey(*client) ? client->name : agentKey;
-}
-
-} // namespace
 
 int runStatus(const CommandLine &, const HostSettings &settings) {
   std::vector<StoreStatus> stores;

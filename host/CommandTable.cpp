@@ -138,6 +138,20 @@ index's file and size.
      0,
      false,
      runStatus},
+    {"serve",
+     "[--port N] [--open]",
+     R"(Serves a search page of the index to the browser of this machine, on 127.0.0.1 and ::1
+only. It prints the page's address, which holds a token of its own: every request must carry
+it, so keep the address to yourself. The page searches, shows messages and starts index
+runs of every store; Ctrl-C ends the server.
+  --port N   the port (default 0: any free one)
+  --open     opens the page with xdg-open
+)",
+     {"port", "open"},
+     0,
+     0,
+     false,
+     runServe},
     {"demo",
      "[--dir DIR]",
      R"(Writes small sample stores of all four clients into a folder of its own, configures,

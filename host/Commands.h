@@ -32,3 +32,4 @@ int runShow(const CommandLine &line, const HostSettings &settings);
 int runCat(const CommandLine &line, const HostSettings &settings);
 int runDemo(const CommandLine &line, const HostSettings &settings);
 int runStatus(const CommandLine &line, const HostSettings &settings);
+int runServe(const CommandLine &line, const HostSettings &settings);
