@@ -17,7 +17,7 @@ const OptionName kOptions[] = {
     {"attachments", true}, {"yes", false},     {"json", false},    {"stats", false},
     {"raw", false},        {"count", false},   {"offset", true},   {"sort", true},
     {"output", true},      {"limit", true},    {"since", true},    {"until", true},
-    {"dir", true},
+    {"dir", true},         {"port", true},     {"open", false},
 };
 
 const OptionName *findOption(const std::string &name) {

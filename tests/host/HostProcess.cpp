@@ -91,7 +91,8 @@ HostResult runProgram(const std::string &program, const std::vector<std::string>
   return result;
 }
 
-pid_t startProgram(const std::string &program, const std::vector<std::string> &arguments) {
+pid_t startProgram(const std::string &program, const std::vector<std::string> &arguments,
+                   const std::string &outputFile) {
   Command command(program, arguments, {});
   std::fflush(nullptr);
   const pid_t child = fork();
@@ -99,6 +100,8 @@ pid_t startProgram(const std::string &program, const std::vector<std::string> &a
     const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
       dup2(null, fd);
+    if (!outputFile.empty())
+      dup2(open(outputFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600), STDOUT_FILENO);
     command.exec();
   }
   return child;

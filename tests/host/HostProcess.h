@@ -22,9 +22,11 @@ HostResult runProgram(const std::string &program, const std::vector<std::string>
                       const std::vector<std::pair<std::string, std::string>> &environment = {},
                       const std::string &input = "", Input inputKind = Input::Pipe);
 
-// Starts `program` as runProgram runs it, with nothing for standard input and both outputs
-// dropped, and returns at once: the process id, for a test that kills it.
-pid_t startProgram(const std::string &program, const std::vector<std::string> &arguments);
+// Starts `program` as runProgram runs it, with nothing for standard input, its standard
+// output in `outputFile` (empty: dropped, as its standard error is), and returns at once: the
+// process id, for a test that kills it.
+pid_t startProgram(const std::string &program, const std::vector<std::string> &arguments,
+                   const std::string &outputFile = "");
 
 // The lines of a text, without their line ends.
 std::vector<std::string> linesOf(const std::string &text);

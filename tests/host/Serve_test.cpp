@@ -1,0 +1,172 @@
+// mhhost serve end to end: its guards, and its API over a small index.
+#include "tests/host/HostFixture.h"
+
+#include <httplib.h>
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <csignal>
+#include <sys/wait.h>
+#include <thread>
+
+namespace {
+
+using nlohmann::json;
+
+// `mhhost serve --port 0` for as long as the object lives.
+class Server {
+public:
+  explicit Server(HostFixture &host) : output_(host.dir.file("serve.out")) {
+    pid_ = startProgram(
+        TUK_MHHOST, {"--registry", host.registry, "--db", host.database, "serve", "--port", "0"},
+        output_);
+    const std::string start = "Serving the index at http://127.0.0.1:";
+    for (int tries = 0; tries < 200 && port == 0; ++tries) {
+      const std::string said = readFile(output_);
+      const size_t at = said.find(start), query = said.find("/?token=");
+      if (at != std::string::npos && said.find('\n', query) != std::string::npos) {
+        port = std::stoi(said.substr(at + start.size()));
+        token = said.substr(query + 8, said.find('\n', query) - query - 8);
+      } else {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      }
+    }
+  }
+  ~Server() {
+    kill(pid_, SIGTERM);
+    waitpid(pid_, nullptr, 0);
+  }
+  httplib::Client client() const { return httplib::Client("127.0.0.1", port); }
+  json get(const std::string &path, int status = 200) const {
+    const auto result =
+        client().Get(path + (path.find('?') == path.npos ? "?" : "&") + "token=" + token);
+    EXPECT_TRUE(result && result->status == status) << path;
+    return result ? json::parse(result->body, nullptr, false) : json();
+  }
+  int port = 0;
+  std::string token;
+
+private:
+  std::string output_;
+  pid_t pid_;
+};
+
+class ServeTest : public HostFixture, public ::testing::Test {
+protected:
+  void SetUp() override {
+    const std::string hostile = "garden <script>x()</script></title> javascript:x \xff\xfe ";
+    indexMailbox({{"Thu, 15 Jan 1998 10:30:45 +0000", "Ann <a@x>", "b@x", "", "garden party",
+                   "The garden party is on.\n"},
+                  {"Fri, 16 Jan 1998 10:30:45 +0000", "Bob <b@x>", "a@x", "", "Re: plans",
+                   "Bring the garden chairs.\n"},
+                  {"Mon, 15 Mar 1999 08:00:00 +0000", "Eve <e@x>", "a@x", "",
+                   hostile + repeated("y", 1 << 20), "A garden of <b>tags</b>.\n"}});
+    ASSERT_NE(server.port, 0);
+  }
+  Server server{*this};
+};
+
+TEST_F(ServeTest, GuardsEveryRequestAndServesOnlyItsOwnFiles) {
+  const std::string good = "token=" + server.token,
+                    host = "127.0.0.1:" + std::to_string(server.port);
+  struct Case {
+    const char *method, *path;
+    bool withToken;
+    std::string hostHeader, postToken;
+    int status;
+  } cases[] = {
+      {"GET", "/", true, host, "", 200},
+      {"GET", "/static/index.html", true, "localhost:" + std::to_string(server.port), "", 200},
+      {"GET", "/api/stores", false, host, "", 403},
+      {"GET", "/api/stores?token=0", false, host, "", 403},
+      {"GET", "/api/stores", true, "evil.example:" + std::to_string(server.port), "", 403},
+      {"GET", "/api/stores", true, "127.0.0.1:1", "", 403},
+      {"POST", "/api/index", true, host, "", 403},
+      {"POST", "/api/index", true, host, "wrong", 403},
+      {"GET", "/static/../CMakeLists.txt", true, host, "", 404},
+      {"GET", "/static/%2e%2e/CMakeLists.txt", true, host, "", 404},
+      {"GET", "/static/..%2fCMakeLists.txt", true, host, "", 404},
+      {"GET", "/%2fetc%2fpasswd", true, host, "", 404},
+      {"GET", "//etc/passwd", true, host, "", 404},
+      {"GET", "/index.html", true, host, "", 404},
+      {"GET", "/api/message/1/../1", true, host, "", 404},
+  };
+  for (const Case &test : cases) {
+    std::string path = test.path;
+    if (test.withToken)
+      path += std::string(path.find('?') == path.npos ? "?" : "&") + good;
+    httplib::Headers headers = {{"Host", test.hostHeader}};
+    if (!test.postToken.empty())
+      headers.emplace("X-Tuk-Token", test.postToken);
+    httplib::Client client = server.client();
+    const auto result = std::string(test.method) == "GET" ? client.Get(path, headers)
+                                                          : client.Post(path, headers, "", "");
+    ASSERT_TRUE(result) << path;
+    EXPECT_EQ(result->status, test.status) << test.method << " " << path;
+    EXPECT_EQ(result->get_header_value("X-Content-Type-Options"), "nosniff") << path;
+    EXPECT_EQ(result->get_header_value("Referrer-Policy"), "no-referrer") << path;
+    EXPECT_EQ(result->get_header_value("Cache-Control"), "no-store") << path;
+    EXPECT_TRUE(holds(result->get_header_value("Content-Security-Policy"),
+                      "default-src 'none'; script-src 'self';"));
+  }
+}
+
+TEST_F(ServeTest, SearchesPagesFacetsAndMessagesAsValidJson) {
+  const json page = server.get("/api/search?q=garden&sort=oldest&offset=1&limit=1");
+  ASSERT_FALSE(page.is_discarded());
+  EXPECT_EQ(page["total"], 3);
+  ASSERT_EQ(page["hits"].size(), 1u);
+  EXPECT_EQ(page["hits"][0]["subject"], "Re: plans");
+  EXPECT_EQ(page["hits"][0]["date"], "1998-01-16T10:30:45Z");
+  EXPECT_EQ(page["hits"][0]["snippet"][1], json({{"text", "garden"}, {"hit", true}}));
+  EXPECT_EQ(page["facets"]["years"],
+            json::parse(R"([{"name":"1998","count":2},{"name":"1999","count":1}])"));
+  EXPECT_EQ(page["facets"]["stores"], json::parse(R"([{"name":"eudora","count":3}])"));
+
+  const json filtered = server.get("/api/search?q=garden&year=1999&store=eudora");
+  ASSERT_EQ(filtered["hits"].size(), 1u);
+  EXPECT_EQ(filtered["facets"], page["facets"]); // the filters narrow the hits only
+  const std::string subject = filtered["hits"][0]["subject"];
+  // Stray 8-bit bytes of a header are read as Windows-1252, as in mail.
+  EXPECT_EQ(subject.substr(0, 54),
+            "garden <script>x()</script></title> javascript:x \xC3\xBF\xC3\xBE ");
+  EXPECT_GT(subject.size(), size_t{1} << 20);
+
+  const json message = server.get("/api/message/" + filtered["hits"][0]["id"].get<std::string>());
+  EXPECT_EQ(message["headers"]["subject"], subject);
+  EXPECT_EQ(message["headers"]["from"], "Eve <e@x>");
+  EXPECT_TRUE(holds(message["text"], "A garden of <b>tags</b>."));
+  EXPECT_EQ(server.get("/api/message/999", 404)["error"], "the index holds no message 999");
+  EXPECT_TRUE(
+      holds(server.get("/api/search?q=%28garden", 400)["error"], "the query can't be read"));
+  EXPECT_EQ(server.get("/api/search?q=garden&store=pegasus")["total"], 0);
+
+  const json stores = server.get("/api/stores")["stores"];
+  ASSERT_EQ(stores.size(), 1u);
+  EXPECT_EQ(stores[0]["name"], "eudora");
+  EXPECT_EQ(stores[0]["messages"], 3);
+}
+
+TEST_F(ServeTest, AnIndexRunReportsItsProgressToEveryStream) {
+  std::string events;
+  std::thread listener([&] {
+    server.client().Get("/api/index/events?token=" + server.token,
+                        [&](const char *data, size_t size) {
+                          events.append(data, size);
+                          return events.find("event: done") == events.npos;
+                        });
+  });
+  while (events.empty())
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  const httplib::Headers headers = {{"X-Tuk-Token", server.token}};
+  const auto started = server.client().Post("/api/index?token=" + server.token, headers, "", "");
+  ASSERT_TRUE(started);
+  EXPECT_EQ(started->status, 202);
+  listener.join();
+  EXPECT_TRUE(holds(events, "event: idle\n"));
+  EXPECT_TRUE(holds(events, "event: progress\ndata: {\"mailboxes\":1,\"messages\":3,\"new\":0,"
+                            "\"store\":\"eudora\"}"));
+  EXPECT_TRUE(holds(events, "event: done\ndata: {\"messages\":3,\"new\":0,"));
+}
+
+} // namespace
