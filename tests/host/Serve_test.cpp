@@ -70,26 +70,27 @@ TEST_F(ServeTest, GuardsEveryRequestAndServesOnlyItsOwnFiles) {
   const std::string good = "token=" + server.token,
                     host = "127.0.0.1:" + std::to_string(server.port);
   struct Case {
-    const char *method, *path;
-    bool withToken;
     std::string hostHeader, postToken;
+    const char *method, *path;
     int status;
+    bool withToken;
   } cases[] = {
-      {"GET", "/", true, host, "", 200},
-      {"GET", "/static/index.html", true, "localhost:" + std::to_string(server.port), "", 200},
-      {"GET", "/api/stores", false, host, "", 403},
-      {"GET", "/api/stores?token=0", false, host, "", 403},
-      {"GET", "/api/stores", true, "evil.example:" + std::to_string(server.port), "", 403},
-      {"GET", "/api/stores", true, "127.0.0.1:1", "", 403},
-      {"POST", "/api/index", true, host, "", 403},
-      {"POST", "/api/index", true, host, "wrong", 403},
-      {"GET", "/static/../CMakeLists.txt", true, host, "", 404},
-      {"GET", "/static/%2e%2e/CMakeLists.txt", true, host, "", 404},
-      {"GET", "/static/..%2fCMakeLists.txt", true, host, "", 404},
-      {"GET", "/%2fetc%2fpasswd", true, host, "", 404},
-      {"GET", "//etc/passwd", true, host, "", 404},
-      {"GET", "/index.html", true, host, "", 404},
-      {"GET", "/api/message/1/../1", true, host, "", 404},
+      {host, "", "GET", "/", 200, true},
+      {"[::1]:" + std::to_string(server.port), "", "GET", "/api/stores", 200, true},
+      {"localhost:" + std::to_string(server.port), "", "GET", "/static/index.html", 200, true},
+      {host, "", "GET", "/api/stores", 403, false},
+      {host, "", "GET", "/api/stores?token=0", 403, false},
+      {"evil.example:" + std::to_string(server.port), "", "GET", "/api/stores", 403, true},
+      {"127.0.0.1:1", "", "GET", "/api/stores", 403, true},
+      {host, "", "POST", "/api/index", 403, true},
+      {host, "wrong", "POST", "/api/index", 403, true},
+      {host, "", "GET", "/static/../CMakeLists.txt", 404, true},
+      {host, "", "GET", "/static/%2e%2e/CMakeLists.txt", 404, true},
+      {host, "", "GET", "/static/..%2fCMakeLists.txt", 404, true},
+      {host, "", "GET", "/%2fetc%2fpasswd", 404, true},
+      {host, "", "GET", "//etc/passwd", 404, true},
+      {host, "", "GET", "/index.html", 404, true},
+      {host, "", "GET", "/api/message/1/../1", 404, true},
   };
   for (const Case &test : cases) {
     std::string path = test.path;
