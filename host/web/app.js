@@ -134,7 +134,7 @@ async function search(state) {
   renderFacet('facet-years', result.facets && result.facets.years, 'year', state);
   const first = result.total ? result.offset + 1 : 0;
   const last = result.offset + result.hits.length;
-  summary.textContent = result.total ? `${result.total} hits` : 'No hits';
+  summary.textContent = result.total === 1 ? '1 hit' : `${result.total || 'No'} hits`;
   $('page-label').textContent = result.total ? `${first}–${last} of ${result.total}` : '';
   $('prev').disabled = state.page === 0;
   $('next').disabled = last >= result.total;
@@ -296,7 +296,8 @@ function onKey(event) {
 function start() {
   $('search-form').addEventListener('submit', (event) => {
     event.preventDefault();
-    go({ q: $('q').value.trim(), sort: $('sort').value, page: 0 });
+    // A new query starts without the filters of the last one: its facets may not hold them.
+    go({ q: $('q').value.trim(), sort: $('sort').value, page: 0, store: '', year: '' });
   });
   $('sort').addEventListener('change', () => go({ sort: $('sort').value, page: 0 }));
   $('prev').addEventListener('click', () => go({ page: Math.max(0, readHash().page - 1) }));
