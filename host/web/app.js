@@ -187,13 +187,13 @@ function route() {
   const inMessage = state.message !== '';
   $('results-view').hidden = inMessage;
   $('message-view').hidden = !inMessage;
+  if (document.activeElement !== $('q')) $('q').value = state.q;
+  $('sort').value = state.sort;
   if (inMessage) {
     showMessage(state.message);
     return;
   }
   document.title = state.q ? `${state.q} – Mail search` : 'Mail search';
-  if (document.activeElement !== $('q')) $('q').value = state.q;
-  $('sort').value = state.sort;
   const again = lastSearch;
   const reopened = openedFromList ? openedIndex : -1;
   openedFromList = false;
