@@ -57,13 +57,20 @@ void answer(httplib::Response &response, const ApiAnswer &answer) {
   response.set_content(answer.json, "application/json; charset=utf-8");
 }
 
-void serveFile(httplib::Response &response, const std::string &name) {
+// The page's own file `name`. The page asks for its script and styles before any script of it
+// runs, so the token those requests need is written into the page: "{{token}}" in a file
+// becomes the token.
+void serveFile(httplib::Response &response, const std::string &name, const std::string &token) {
   const WebFile *const file = findWebFile(name);
   if (file == nullptr) {
     answer(response, {404, jsonText({{"error", "not found"}})});
     return;
   }
-  response.set_content(reinterpret_cast<const char *>(file->bytes), file->size, file->type);
+  std::string content(reinterpret_cast<const char *>(file->bytes), file->size);
+  const std::string mark = "{{token}}";
+  for (size_t at = content.find(mark); at != std::string::npos; at = content.find(mark, at))
+    content.replace(at, mark.size(), token);
+  response.set_content(content, file->type);
 }
 
 class SearchServer {
@@ -128,13 +135,13 @@ private:
                 jsonText({{"error",
                            response.status == 404 ? "not found" : "the request can't be read"}})});
     });
-    server.Get("/", [](const httplib::Request &, httplib::Response &response) {
-      serveFile(response, "index.html");
+    server.Get("/", [this](const httplib::Request &, httplib::Response &response) {
+      serveFile(response, "index.html", token_);
     });
     // A plain name only: nothing that could leave the embedded files.
     server.Get(R"(/static/([A-Za-z0-9_-]+\.[A-Za-z0-9]+))",
-               [](const httplib::Request &request, httplib::Response &response) {
-                 serveFile(response, request.matches[1]);
+               [this](const httplib::Request &request, httplib::Response &response) {
+                 serveFile(response, request.matches[1], token_);
                });
     server.Get("/api/search", [this](const httplib::Request &request, httplib::Response &response) {
       ApiParams params;
