@@ -5,6 +5,7 @@
 // size of its index. Then a mailbox grown by a thousand messages, indexed again by both,
 // beside the agent's bare walk of the whole store.
 #include "bench/BenchHost.h"
+#include "bench/BenchStore.h"
 #include "bench/FileCache.h"
 #include "bench/ProcessRun.h"
 #include "bench/QueryTimes.h"
@@ -85,15 +86,6 @@ Options parseOptions(int argc, char **argv) {
   return options;
 }
 
-double megabytes(uint64_t bytes) {
-  return static_cast<double>(bytes) / (1024.0 * 1024.0);
-}
-
-uint64_t fileSize(const std::string &path) {
-  struct stat status {};
-  return ::stat(path.c_str(), &status) == 0 ? static_cast<uint64_t>(status.st_size) : 0;
-}
-
 double median(std::vector<double> values) {
   if (values.empty())
     return 0;
@@ -117,86 +109,6 @@ std::string findOnPath(const std::string &name) {
 
 std::string firstLine(const std::string &text) {
   return text.substr(0, text.find('\n'));
-}
-
-struct PeerStore {
-  std::string home; // the store's folder: its mail, indexes and settings
-  std::string registry;
-  StoreFiles files;
-  std::vector<std::string> words; // searched for, with what makes each worth searching for
-  std::vector<std::string> wordNotes;
-};
-
-// A store kept by an earlier run with --keep: the same count of messages, every file at
-// least as long as written. A mailbox grown since is cut back to what was written, and
-// counted in `cut`.
-bool reuseStore(const std::string &manifest, uint64_t messages, StoreFiles &files, unsigned &cut) {
-  std::ifstream in(manifest);
-  uint64_t count = 0;
-  if (!(in >> count >> files.bytes >> files.root) || count != messages)
-    return false;
-  files.messages = count;
-  uint64_t size = 0;
-  std::string path;
-  while (in >> size >> path) {
-    const uint64_t now = fileSize(path);
-    if (now < size || (now > size && ::truncate(path.c_str(), static_cast<off_t>(size)) != 0))
-      return false;
-    cut += now > size;
-    files.mailFiles.push_back(path);
-  }
-  return !files.mailFiles.empty();
-}
-
-PeerStore prepareStore(const char *kind, const char *label, Corpus corpus, uint64_t messages,
-                       const Options &options) {
-  PeerStore store;
-  store.home = options.dir + "/" + kind;
-  const std::string manifest = store.home + "/manifest";
-  unsigned cut = 0;
-  if (options.keep && reuseStore(manifest, messages, store.files, cut)) {
-    std::printf("\n%s: reusing the store of %llu messages that --keep left (%u grown mailbox "
-                "cut back)\n",
-                label, static_cast<unsigned long long>(messages), cut);
-  } else {
-    removeTree(store.home);
-    StoreShape shape;
-    shape.messageCount = messages;
-    shape.minMessage = 1024;
-    shape.maxMessage = corpus == Corpus::Real ? 20 * 1024 : 16 * 1024;
-    shape.messagesPerMailbox = 1000;
-    shape.corpus = corpus;
-    const auto start = std::chrono::steady_clock::now();
-    store.files = writeStore(kClient, store.home + "/mail", shape, 0x70656572ull);
-    const double seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    std::printf("\n%s: written in %.1f s\n", label, seconds);
-    std::ofstream out(manifest);
-    out << store.files.messages << ' ' << store.files.bytes << ' ' << store.files.root << '\n';
-    for (const std::string &path : store.files.mailFiles)
-      out << fileSize(path) << ' ' << path << '\n';
-  }
-  if (corpus == Corpus::Real) {
-    for (size_t rank : {50, 500, 3000}) {
-      store.words.push_back(RealVocabulary::shared().word(rank - 1));
-      store.wordNotes.push_back("rank " + std::to_string(rank));
-    }
-  } else {
-    // MimeText's words come about equally often; these are in its German and English text.
-    store.words = {"meeting", "rechnung", "quartal"};
-    store.wordNotes = {"common", "common", "common"};
-  }
-  std::printf("%s: %zu mbox files, %.1f MB, %llu messages, in %s\n", label,
-              store.files.mailFiles.size(), megabytes(store.files.bytes),
-              static_cast<unsigned long long>(store.files.messages), store.files.root.c_str());
-
-  store.registry = store.home + "/registry.reg";
-  ::setenv("TUK_REGISTRY", store.registry.c_str(), 1);
-  if (!SetRegValue(clientFormat(kClient).agentKey, "MailPath", CString(store.files.root.c_str()))) {
-    std::fprintf(stderr, "peer_bench: cannot write %s\n", store.registry.c_str());
-    std::exit(1);
-  }
-  return store;
 }
 
 // mairix's settings: every mail file named, relative to the base (a recursive "..." entry
@@ -484,7 +396,9 @@ int main(int argc, char **argv) {
   if (options.mimeMessages)
     kinds.push_back({"mime", "MIME-heavy store", Corpus::Mime, options.mimeMessages});
   for (const Kind &kind : kinds) {
-    PeerStore store = prepareStore(kind.name, kind.label, kind.corpus, kind.messages, options);
+    PeerStore store =
+        prepareStore(kClient, kind.name, kind.label, kind.corpus, kind.messages, options.dir,
+                     options.keep);
     std::vector<Tool> owned;
     if (!mairix.empty())
       owned.push_back(mairixTool(mairix, store));

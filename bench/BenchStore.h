@@ -1,0 +1,27 @@
+// The store a whole-process benchmark measures: written once, kept between runs when asked,
+// and the registry that points the agent at it.
+#pragma once
+
+#include "bench/RealCorpus.h"
+#include "bench/StoreWriter.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct PeerStore {
+  std::string home; // the store's folder: its mail, indexes and settings
+  std::string registry;
+  StoreFiles files;
+  std::vector<std::string> words; // searched for, with what makes each worth searching for
+  std::vector<std::string> wordNotes;
+};
+
+// Writes the store of `messages` messages of `client` under `dir`/`kind` (or reuses the one a
+// run with `keep` left there), and points $TUK_REGISTRY at a registry beside it whose MailPath
+// names it.
+PeerStore prepareStore(Client client, const char *kind, const char *label, Corpus corpus,
+                       uint64_t messages, const std::string &dir, bool keep);
+
+double megabytes(uint64_t bytes);
+uint64_t fileSize(const std::string &path);

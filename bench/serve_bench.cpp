@@ -1,0 +1,251 @@
+// serve_bench: `mhhost serve` under load. A store of real-shaped mail is written and indexed
+// once, then the server takes searches from many clients at once, each a one-word query of a
+// word drawn by its rank in the corpus. Reports the latency of the searches (p50, p90, p99,
+// the slowest), the errors, and the server's resident memory as the run goes: it should stay
+// flat.
+#include "bench/BenchHost.h"
+#include "bench/BenchStore.h"
+#include "bench/ProcessRun.h"
+#include "bench/RealVocabulary.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <httplib.h>
+#include <mutex>
+#include <random>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+extern char **environ;
+
+namespace {
+
+const char kUsage[] =
+    "usage: serve_bench [--messages N] [--clients C] [--searches S] [--dir DIR] [--keep]\n"
+    "                   [--mhhost PATH]\n"
+    "  --messages N   the store, in mailboxes of 1,000 (100000)\n"
+    "  --clients C    clients searching at once (50)\n"
+    "  --searches S   searches in all (2000)\n"
+    "  --dir DIR      where the store and index go ($TMPDIR/serve_bench)\n"
+    "  --keep         leave them there; a later run with --keep reuses them\n"
+    "  --mhhost PATH  the reference host (mhhost beside this program)\n";
+
+struct Options {
+  uint64_t messages = 100000;
+  int clients = 50;
+  int searches = 2000;
+  std::string dir;
+  bool keep = false;
+  std::string mhhost;
+};
+
+[[noreturn]] void usage(const char *problem) {
+  std::fprintf(stderr, "serve_bench: %s\n%s", problem, kUsage);
+  std::exit(2);
+}
+
+Options parseOptions(int argc, char **argv) {
+  Options options;
+  BenchArguments arguments(argc, argv, usage);
+  while (arguments.next()) {
+    const std::string &arg = arguments.current();
+    if (arg == "--messages")
+      options.messages = std::strtoull(arguments.value().c_str(), nullptr, 10);
+    else if (arg == "--clients")
+      options.clients = std::max(1, std::atoi(arguments.value().c_str()));
+    else if (arg == "--searches")
+      options.searches = std::max(1, std::atoi(arguments.value().c_str()));
+    else if (arg == "--dir")
+      options.dir = arguments.value();
+    else if (arg == "--keep")
+      options.keep = true;
+    else if (arg == "--mhhost")
+      options.mhhost = arguments.value();
+    else
+      usage(("unknown option: " + arg).c_str());
+  }
+  return options;
+}
+
+// The server, started with its output read until it names its address; stopped with it.
+class Server {
+public:
+  explicit Server(const std::vector<std::string> &argv) {
+    int out[2];
+    if (::pipe(out) != 0)
+      return;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addclose(&actions, out[0]);
+    std::vector<char *> args;
+    for (const std::string &arg : argv)
+      args.push_back(const_cast<char *>(arg.c_str()));
+    args.push_back(nullptr);
+    if (posix_spawn(&pid_, args[0], &actions, nullptr, args.data(), environ) != 0)
+      pid_ = -1;
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(out[1]);
+    // The first line that holds "http://" is the address, token and all.
+    std::string line;
+    char ch = 0;
+    while (pid_ > 0 && ::read(out[0], &ch, 1) == 1) {
+      if (ch != '\n') {
+        line += ch;
+        continue;
+      }
+      if (const size_t at = line.find("http://"); at != std::string::npos) {
+        url_ = line.substr(at);
+        break;
+      }
+      line.clear();
+    }
+    output_ = out[0];
+  }
+  Server(const Server &) = delete;
+  Server &operator=(const Server &) = delete;
+  ~Server() {
+    if (pid_ > 0) {
+      ::kill(pid_, SIGTERM);
+      ::waitpid(pid_, nullptr, 0);
+    }
+    if (output_ >= 0)
+      ::close(output_);
+  }
+  const std::string &url() const { return url_; }
+  pid_t pid() const { return pid_; }
+
+private:
+  pid_t pid_ = -1;
+  int output_ = -1;
+  std::string url_;
+};
+
+// The server's resident memory now, in bytes; 0 when it can't be read.
+uint64_t residentBytes(pid_t pid) {
+  std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+  std::string key;
+  while (status >> key) {
+    if (key == "VmRSS:") {
+      uint64_t kilobytes = 0;
+      status >> kilobytes;
+      return kilobytes * 1024;
+    }
+    status.ignore(1 << 16, '\n');
+  }
+  return 0;
+}
+
+double percentile(const std::vector<double> &sorted, double fraction) {
+  if (sorted.empty())
+    return 0;
+  const size_t at = static_cast<size_t>(fraction * static_cast<double>(sorted.size() - 1) + 0.5);
+  return sorted[std::min(at, sorted.size() - 1)];
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  Options options = parseOptions(argc, argv);
+  if (options.dir.empty()) {
+    const char *tmp = std::getenv("TMPDIR");
+    options.dir = std::string(tmp && *tmp ? tmp : "/tmp") + "/serve_bench";
+  }
+  if (options.mhhost.empty())
+    options.mhhost = directoryOf(selfPath(argv[0])) + "/mhhost";
+  const Client client = Client::Netscape;
+  PeerStore store = prepareStore(client, "real", "Real-shaped mail", Corpus::Real,
+                                 options.messages, options.dir, options.keep);
+  const std::string database = store.home + "/mhhost.db";
+  const std::vector<std::string> common = {options.mhhost, "--client", clientFormat(client).name,
+                                           "--registry", store.registry, "--db", database};
+  std::vector<std::string> index = common;
+  index.push_back("index");
+  const ProcessRun indexed = runProcess(index, {}, false);
+  if (!indexed.started || indexed.exitStatus != 0) {
+    std::fprintf(stderr, "serve_bench: mhhost index failed\n");
+    return 1;
+  }
+  std::printf("indexed %llu messages in %.1f s\n",
+              static_cast<unsigned long long>(store.files.messages), indexed.seconds);
+
+  std::vector<std::string> serve = common;
+  serve.insert(serve.end(), {"serve", "--port", "0"});
+  Server server(serve);
+  if (server.url().empty()) {
+    std::fprintf(stderr, "serve_bench: mhhost serve named no address\n");
+    return 1;
+  }
+  // http://HOST:PORT/?token=T
+  const std::string url = server.url();
+  const size_t pathAt = url.find('/', 7);
+  const std::string origin = url.substr(0, pathAt);
+  const std::string token = url.substr(url.find("token=") + 6);
+
+  const RealVocabulary &vocabulary = RealVocabulary::shared();
+  std::atomic<int> next{0};
+  std::atomic<int> errors{0};
+  std::mutex timesLock;
+  std::vector<double> milliseconds;
+  std::atomic<bool> running{true};
+  uint64_t firstResident = 0, peakResident = 0, lastResident = 0;
+  std::thread sampler([&] {
+    while (running.load()) {
+      const uint64_t now = residentBytes(server.pid());
+      firstResident = firstResident ? firstResident : now;
+      peakResident = std::max(peakResident, now);
+      lastResident = now;
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  });
+  const auto start = std::chrono::steady_clock::now();
+  std::vector<std::thread> clients;
+  for (int c = 0; c < options.clients; ++c) {
+    clients.emplace_back([&, c] {
+      httplib::Client http(origin);
+      http.set_read_timeout(30, 0);
+      std::mt19937 random(static_cast<unsigned>(c) * 7919u + 1u);
+      // Words of every frequency: most searches are for middling words, some for common ones.
+      std::uniform_int_distribution<size_t> rank(20, std::min<size_t>(vocabulary.size(), 5000) - 1);
+      std::vector<double> mine;
+      while (next.fetch_add(1) < options.searches) {
+        const std::string path = "/api/search?limit=20&token=" + token +
+                                 "&q=" + httplib::detail::encode_query_param(
+                                             vocabulary.word(rank(random)));
+        const auto begun = std::chrono::steady_clock::now();
+        const auto answer = http.Get(path);
+        mine.push_back(std::chrono::duration<double, std::milli>(
+                           std::chrono::steady_clock::now() - begun)
+                           .count());
+        if (!answer || answer->status != 200)
+          errors.fetch_add(1);
+      }
+      const std::lock_guard<std::mutex> hold(timesLock);
+      milliseconds.insert(milliseconds.end(), mine.begin(), mine.end());
+    });
+  }
+  for (std::thread &thread : clients)
+    thread.join();
+  const double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  running = false;
+  sampler.join();
+
+  std::sort(milliseconds.begin(), milliseconds.end());
+  std::printf("%d clients, %zu searches in %.2f s (%.0f/s), %d errors\n", options.clients,
+              milliseconds.size(), seconds, static_cast<double>(milliseconds.size()) / seconds,
+              errors.load());
+  std::printf("latency ms: p50 %.1f  p90 %.1f  p99 %.1f  max %.1f   (target p99 < 100)\n",
+              percentile(milliseconds, 0.50), percentile(milliseconds, 0.90),
+              percentile(milliseconds, 0.99), milliseconds.empty() ? 0.0 : milliseconds.back());
+  std::printf("server resident MB: first %.1f  peak %.1f  last %.1f\n", megabytes(firstResident),
+              megabytes(peakResident), megabytes(lastResident));
+  return errors.load() == 0 ? 0 : 1;
+}
