@@ -96,4 +96,3 @@ PeerStore prepareStore(Client client, const char *kind, const char *label, Corpu
   }
   return store;
 }
-

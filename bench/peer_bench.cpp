@@ -396,9 +396,8 @@ int main(int argc, char **argv) {
   if (options.mimeMessages)
     kinds.push_back({"mime", "MIME-heavy store", Corpus::Mime, options.mimeMessages});
   for (const Kind &kind : kinds) {
-    PeerStore store =
-        prepareStore(kClient, kind.name, kind.label, kind.corpus, kind.messages, options.dir,
-                     options.keep);
+    PeerStore store = prepareStore(kClient, kind.name, kind.label, kind.corpus, kind.messages,
+                                   options.dir, options.keep);
     std::vector<Tool> owned;
     if (!mairix.empty())
       owned.push_back(mairixTool(mairix, store));

@@ -161,11 +161,12 @@ int main(int argc, char **argv) {
   if (options.mhhost.empty())
     options.mhhost = directoryOf(selfPath(argv[0])) + "/mhhost";
   const Client client = Client::Netscape;
-  PeerStore store = prepareStore(client, "real", "Real-shaped mail", Corpus::Real,
-                                 options.messages, options.dir, options.keep);
+  PeerStore store = prepareStore(client, "real", "Real-shaped mail", Corpus::Real, options.messages,
+                                 options.dir, options.keep);
   const std::string database = store.home + "/mhhost.db";
-  const std::vector<std::string> common = {options.mhhost, "--client", clientFormat(client).name,
-                                           "--registry", store.registry, "--db", database};
+  const std::vector<std::string> common = {
+      options.mhhost, "--client", clientFormat(client).name, "--registry", store.registry,
+      "--db",         database};
   std::vector<std::string> index = common;
   index.push_back("index");
   const ProcessRun indexed = runProcess(index, {}, false);
@@ -216,14 +217,13 @@ int main(int argc, char **argv) {
       std::uniform_int_distribution<size_t> rank(20, std::min<size_t>(vocabulary.size(), 5000) - 1);
       std::vector<double> mine;
       while (next.fetch_add(1) < options.searches) {
-        const std::string path = "/api/search?limit=20&token=" + token +
-                                 "&q=" + httplib::detail::encode_query_param(
-                                             vocabulary.word(rank(random)));
+        const std::string path = "/api/search?limit=20&token=" + token + "&q=" +
+                                 httplib::detail::encode_query_param(vocabulary.word(rank(random)));
         const auto begun = std::chrono::steady_clock::now();
         const auto answer = http.Get(path);
-        mine.push_back(std::chrono::duration<double, std::milli>(
-                           std::chrono::steady_clock::now() - begun)
-                           .count());
+        mine.push_back(
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begun)
+                .count());
         if (!answer || answer->status != 200)
           errors.fetch_add(1);
       }

@@ -61,7 +61,7 @@ void printSummary(const IndexSummary &summary, double seconds) {
 }
 
 int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &settings, bool stats,
-               bool heading, const StoreIndexed &onStore) {
+               bool heading, const IndexListener &listener) {
   const auto start = std::chrono::steady_clock::now();
   std::string error, mailDirectory;
   if (!existingMailDirectory(agentKey, mailDirectory, error))
@@ -80,7 +80,11 @@ int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &set
     return reportError(db.errorText());
   IndexSummary summary;
   {
-    ProgressBar progress(!settings.log); // the log's lines would tear the bar
+    ProgressBar progress(!settings.log, // the log's lines would tear the bar
+                         [&](uint64_t done, uint64_t total, uint64_t added) {
+                           if (listener.reading)
+                             listener.reading(agentKey, done, total, added);
+                         });
     const int64_t agentId = db.agentId(agentKey);
     if (agentId != 0) {
       updateIndex(agent->entries(), framingOfKey(agentKey), db, agentId, tree, progress, summary);
@@ -102,14 +106,14 @@ int indexStore(IndexDb &db, const std::string &agentKey, const HostSettings &set
   if (stats)
     printStats(summary);
   printSummary(summary, seconds);
-  if (onStore)
-    onStore(agentKey, summary);
+  if (listener.storeIndexed)
+    listener.storeIndexed(agentKey, summary);
   return kExitOk;
 }
 
 // Updates every store the command line names, or every store the index holds and config set
 // up; then, when stale rows call for it, makes the full-text table anew.
-int indexStores(const HostSettings &settings, bool stats, const StoreIndexed &onStore,
+int indexStores(const HostSettings &settings, bool stats, const IndexListener &listener,
                 IndexDb &db) {
   std::vector<std::string> keys;
   if (!settings.agentKey.empty()) {
@@ -128,7 +132,7 @@ int indexStores(const HostSettings &settings, bool stats, const StoreIndexed &on
   }
   int status = kExitOk;
   for (const std::string &key : keys) {
-    const int result = indexStore(db, key, settings, stats, keys.size() > 1, onStore);
+    const int result = indexStore(db, key, settings, stats, keys.size() > 1, listener);
     if (result != kExitOk)
       status = result;
   }
@@ -166,14 +170,14 @@ std::unique_ptr<IndexDb> openForRun(const std::string &path, IndexRunLock &runLo
 
 } // namespace
 
-int updateStores(const HostSettings &settings, bool stats, const StoreIndexed &onStore) {
+int updateStores(const HostSettings &settings, bool stats, const IndexListener &listener) {
   std::string error;
   IndexRunLock runLock;
   bool fresh = false;
   std::unique_ptr<IndexDb> db = openForRun(settings.databasePath, runLock, fresh, error);
   if (!db)
     return reportError(error);
-  const int status = indexStores(settings, stats, onStore, *db);
+  const int status = indexStores(settings, stats, listener, *db);
   if (!fresh)
     return status;
   // A new index goes in place once whole: after a database error it is dropped.
@@ -189,5 +193,5 @@ int updateStores(const HostSettings &settings, bool stats, const StoreIndexed &o
 }
 
 int runIndex(const CommandLine &line, const HostSettings &settings) {
-  return updateStores(settings, line.has("stats"), nullptr);
+  return updateStores(settings, line.has("stats"), IndexListener{});
 }

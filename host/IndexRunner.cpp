@@ -29,18 +29,25 @@ bool IndexRunner::start() {
 void IndexRunner::run() {
   const auto start = std::chrono::steady_clock::now();
   uint64_t stores = 0, messages = 0, added = 0;
-  const int status =
-      updateStores(settings_, false, [&](const std::string &agentKey, const IndexSummary &summary) {
-        const uint64_t held = summary.added + summary.unchanged + summary.moved;
-        ++stores;
-        messages += held;
-        added += summary.added;
-        publish("progress",
-                jsonText({{"store", storeName(agentKey)},
-                          {"mailboxes", summary.mailboxesRead + summary.mailboxesUnchanged},
-                          {"messages", held},
-                          {"new", summary.added}}));
-      });
+  IndexListener listener;
+  listener.reading = [&](const std::string &agentKey, uint64_t done, uint64_t total,
+                         uint64_t added) {
+    publish("reading", jsonText({{"store", storeName(agentKey)},
+                                 {"bytes", done},
+                                 {"totalBytes", total},
+                                 {"new", added}}));
+  };
+  listener.storeIndexed = [&](const std::string &agentKey, const IndexSummary &summary) {
+    const uint64_t held = summary.added + summary.unchanged + summary.moved;
+    ++stores;
+    messages += held;
+    added += summary.added;
+    publish("progress", jsonText({{"store", storeName(agentKey)},
+                                  {"mailboxes", summary.mailboxesRead + summary.mailboxesUnchanged},
+                                  {"messages", held},
+                                  {"new", summary.added}}));
+  };
+  const int status = updateStores(settings_, false, listener);
   const double seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   if (status == 0)

@@ -16,14 +16,18 @@ bool standardErrorIsTerminal() {
   return isatty(STDERR_FILENO) == 1;
 }
 
-ProgressBar::ProgressBar(bool enabled)
-    : enabled_(enabled && standardErrorIsTerminal()), start_(std::chrono::steady_clock::now()),
-      lastDraw_(start_) {}
+ProgressBar::ProgressBar(bool enabled, Watcher watcher)
+    : enabled_(enabled && standardErrorIsTerminal()), watcher_(std::move(watcher)),
+      lastWatched_(std::chrono::steady_clock::now()), start_(lastWatched_), lastDraw_(start_) {}
 
 void ProgressBar::update(uint64_t done, uint64_t total, uint64_t count, const char *what) {
+  const auto now = std::chrono::steady_clock::now();
+  if (watcher_ && now - lastWatched_ >= std::chrono::milliseconds(200)) {
+    lastWatched_ = now;
+    watcher_(done, total, count);
+  }
   if (!enabled_)
     return;
-  const auto now = std::chrono::steady_clock::now();
   if (now - start_ < std::chrono::milliseconds(250) ||
       (drawn_ && now - lastDraw_ < std::chrono::milliseconds(100)))
     return;

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 bool standardInputIsTerminal();
@@ -14,7 +15,9 @@ bool standardErrorIsTerminal();
 // before a quarter of a second has passed and at most ten times a second.
 class ProgressBar {
 public:
-  explicit ProgressBar(bool enabled);
+  // What is told the bar, as it is drawn, goes to `watcher` too, whether drawn or not.
+  using Watcher = std::function<void(uint64_t done, uint64_t total, uint64_t count)>;
+  explicit ProgressBar(bool enabled, Watcher watcher = nullptr);
   ProgressBar(const ProgressBar &) = delete;
   ProgressBar &operator=(const ProgressBar &) = delete;
   ~ProgressBar() { finish(); }
@@ -27,6 +30,8 @@ public:
 private:
   bool enabled_;
   bool drawn_ = false;
+  Watcher watcher_;
+  std::chrono::steady_clock::time_point lastWatched_;
   std::chrono::steady_clock::time_point start_, lastDraw_;
 };
 

@@ -248,6 +248,13 @@ async function indexNow() {
       if (!/under way/.test(error.message)) finish(error.message);
     }
   }, { once: true });
+  // While a store is read: the share of its mailboxes' bytes walked so far.
+  events.addEventListener('reading', (event) => {
+    const step = JSON.parse(event.data);
+    const part = step.totalBytes ? Math.min(1, step.bytes / step.totalBytes) : 0;
+    const share = storeCount ? Math.min(1, (seen.length + part) / storeCount) : null;
+    indexStatus(`${step.store}: ${Math.round(part * 100)}% read, ${step.new} new`, share);
+  });
   events.addEventListener('progress', (event) => {
     const step = JSON.parse(event.data);
     if (!seen.includes(step.store)) seen.push(step.store);
