@@ -67,6 +67,13 @@ struct SearchHit {
   uint64_t hash = 0; // of the message's bytes when it was indexed
 };
 
+// How many hits of a search one store holds from one year (0: messages without a date).
+struct HitCount {
+  std::string agentKey;
+  int year = 0; // local time's
+  int64_t count = 0;
+};
+
 struct StoreStatus {
   std::string agentKey;
   int64_t messages = 0;
@@ -150,6 +157,9 @@ public:
   bool search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error);
   // The number of hits of `query`, all of them; -1 with `error` as search() gives it.
   int64_t countHits(const SearchQuery &query, std::string &error);
+  // The hits of `query` counted by store and year, in one pass over the matches; empty with
+  // `error` as search() gives it.
+  std::vector<HitCount> countHitsByStoreAndYear(const SearchQuery &query, std::string &error);
   // The connection, whose full-text engine makes snippets.
   sqlite3 *engine() const { return connection_->handle(); }
   bool findObject(int64_t id, IndexedObject &object);

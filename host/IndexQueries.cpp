@@ -10,10 +10,10 @@ namespace {
 
 // FROM and WHERE of a search: the words through the full-text table where there are any,
 // then every condition, its values bound from ?10 on.
-std::string matching(const SearchQuery &query) {
+std::string matching(const SearchQuery &query, bool withPlaces = false) {
   // The mailbox and the agent of each match are looked up only when a condition needs them.
-  const bool places =
-      !query.agentKey.empty() || !query.folders.empty() || !query.clientTags.empty();
+  const bool places = withPlaces || !query.agentKey.empty() || !query.folders.empty() ||
+                      !query.clientTags.empty();
   std::string sql =
       query.match.empty() ? " FROM objects o" : " FROM texts JOIN objects o ON o.id = texts.rowid";
   if (places)
@@ -248,6 +248,22 @@ int64_t IndexDb::countHits(const SearchQuery &query, std::string &error) {
   bindQuery(select, query);
   const int64_t count = select.step() ? select.integer(0) : 0;
   return queryRead(error) ? count : -1;
+}
+
+std::vector<HitCount> IndexDb::countHitsByStoreAndYear(const SearchQuery &query,
+                                                       std::string &error) {
+  const std::string sql =
+      "SELECT a.key, CASE WHEN o.date IS NULL THEN 0 ELSE CAST(strftime('%Y', o.date, "
+      "'unixepoch', 'localtime') AS INTEGER) END, count(*)" +
+      matching(query, true) + " GROUP BY 1, 2";
+  Statement select(*connection_, sql.c_str());
+  bindQuery(select, query);
+  std::vector<HitCount> counts;
+  while (select.step())
+    counts.push_back({select.text(0), static_cast<int>(select.integer(1)), select.integer(2)});
+  if (!queryRead(error))
+    counts.clear();
+  return counts;
 }
 
 bool IndexDb::findObject(int64_t id, IndexedObject &object) {

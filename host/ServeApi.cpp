@@ -74,25 +74,14 @@ std::string param(const ApiParams &params, const char *name) {
   return found == params.end() ? std::string() : found->second;
 }
 
-int localYear(int64_t seconds) {
-  const time_t moment = static_cast<time_t>(seconds);
-  struct tm parts;
-  return localtime_r(&moment, &parts) != nullptr ? parts.tm_year + 1900 : 0;
-}
-
-// Counts by store and by year of every hit of `query`.
-json facetsOf(IndexDb &db, SearchQuery query, int64_t total, PlaceNames &places) {
+// The facets: the hits counted by store and by year.
+json facetsOf(const std::vector<HitCount> &hitCounts) {
   std::map<std::string, int64_t> stores, years;
-  query.offset = 0;
-  query.limit = std::max<int64_t>(total, 1);
-  std::vector<SearchHit> hits;
-  std::string error;
-  if (db.search(query, hits, error))
-    for (const SearchHit &hit : hits) {
-      ++stores[places.of(hit).store];
-      if (hit.hasDate)
-        ++years[std::to_string(localYear(hit.date))];
-    }
+  for (const HitCount &counted : hitCounts) {
+    stores[storeName(counted.agentKey)] += counted.count;
+    if (counted.year != 0)
+      years[std::to_string(counted.year)] += counted.count;
+  }
   const auto counts = [](const std::map<std::string, int64_t> &names) {
     json list = json::array();
     for (const auto &entry : names)
@@ -147,11 +136,12 @@ ApiAnswer searchAnswer(const std::string &databasePath, const ApiParams &params)
   const std::unique_ptr<IndexDb> db = IndexDb::open(databasePath, IndexDb::Access::ReadOnly, error);
   if (!db)
     return failure(503, error);
-  const int64_t all = db->countHits(query, error);
-  if (all < 0)
+  // One pass over the matches counts them for the facets and tells a query SQLite can't read.
+  const std::vector<HitCount> hitCounts = db->countHitsByStoreAndYear(query, error);
+  if (!error.empty())
     return failure(400, "the query can't be read: " + error);
   PlaceNames places;
-  const json facets = facetsOf(*db, query, all, places);
+  const json facets = facetsOf(hitCounts);
   std::vector<SearchHit> hits;
   int64_t total = 0;
   if (applyFilters(*db, params, query)) {
