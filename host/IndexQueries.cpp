@@ -12,8 +12,8 @@ namespace {
 // then every condition, its values bound from ?10 on.
 std::string matching(const SearchQuery &query, bool withPlaces = false) {
   // The mailbox and the agent of each match are looked up only when a condition needs them.
-  const bool places = withPlaces || !query.agentKey.empty() || !query.folders.empty() ||
-                      !query.clientTags.empty();
+  const bool places =
+      withPlaces || !query.agentKey.empty() || !query.folders.empty() || !query.clientTags.empty();
   std::string sql =
       query.match.empty() ? " FROM objects o" : " FROM texts JOIN objects o ON o.id = texts.rowid";
   if (places)
