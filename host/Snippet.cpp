@@ -112,10 +112,15 @@ SnippetMaker::~SnippetMaker() {
 
 bool SnippetMaker::matches(const char *token, int size, const std::string &column) const {
   const std::string_view folded(token, static_cast<size_t>(size));
-  for (const Word &word : words_)
-    if ((word.column.empty() || word.column == column) &&
-        (word.prefix ? folded.substr(0, word.text.size()) == word.text : folded == word.text))
+  for (const Word &word : words_) {
+    // Most tokens of a text are no word of the query: their size or first byte tells.
+    const size_t length = word.text.size();
+    if (folded.size() < length || (!word.prefix && folded.size() != length) ||
+        (length > 0 && folded[0] != word.text[0]))
+      continue;
+    if (folded.compare(0, length, word.text) == 0 && (word.column.empty() || word.column == column))
       return true;
+  }
   return false;
 }
 
@@ -123,6 +128,7 @@ std::string SnippetMaker::snippet(const std::string &text, const std::string &co
   if (tokenizer_ == nullptr || words_.empty())
     return std::string();
   std::vector<Token> tokens;
+  tokens.reserve(text.size() / 6); // about a word's length and a blank
   tokenize(text, FTS5_TOKENIZE_DOCUMENT, [&](const char *token, int size, int start, int end) {
     tokens.push_back(Token{start, end, matches(token, size, column)});
   });
