@@ -7,6 +7,7 @@
 #include "host/IndexRunner.h"
 #include "host/JsonText.h"
 #include "host/ServeApi.h"
+#include "host/TurnGate.h"
 #include "host/WebFiles.h"
 
 #include <httplib.h>
@@ -15,9 +16,14 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
+
+// Enough for many browsers' connections; the searches they ask for take turns (TurnGate).
+constexpr size_t kThreads = 64;
 
 const char kPolicy[] = "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; "
                        "connect-src 'self'; base-uri 'none'; form-action 'none'; "
@@ -76,17 +82,22 @@ void serveFile(httplib::Response &response, const std::string &name, const std::
 class SearchServer {
 public:
   SearchServer(const HostSettings &settings, std::string token)
-      : settings_(settings), token_(std::move(token)), runner_(settings) {}
+      : settings_(settings), token_(std::move(token)), index_(settings.databasePath),
+        runner_(settings) {}
 
   // Binds 127.0.0.1 at `port` (0: any free one) and ::1 at the same port. False when the
   // first can't be bound.
   bool bind(int port) {
+    for (httplib::Server *server : {&ipv4_, &ipv6_})
+      setUp(*server);
     port_ = port == 0 ? ipv4_.bind_to_any_port("127.0.0.1") : port;
     if (port_ <= 0 || (port != 0 && !ipv4_.bind_to_port("127.0.0.1", port)))
       return false;
+    listenWithBacklog(ipv4Socket_);
     ipv6Bound_ = ipv6_.bind_to_port("::1", port_);
-    for (httplib::Server *server : {&ipv4_, &ipv6_})
-      setUp(*server);
+    if (ipv6Bound_)
+      listenWithBacklog(ipv6Socket_);
+    index_.warm();
     return true;
   }
   int port() const { return port_; }
@@ -108,7 +119,25 @@ private:
     return host == "localhost" + port || host == "127.0.0.1" + port || host == "[::1]" + port;
   }
 
+  // The library listens with a backlog of 5: of fifty clients that connect at once, most
+  // would have their first attempt dropped and retried a second later. Its socket listens
+  // again with the system's backlog.
+  static void listenWithBacklog(int socket) {
+    if (socket >= 0)
+      ::listen(socket, SOMAXCONN);
+  }
+
   void setUp(httplib::Server &server) {
+    int &socket = &server == &ipv4_ ? ipv4Socket_ : ipv6Socket_;
+    // Not the library's SO_REUSEPORT, with which another program could take the port too.
+    server.set_socket_options([&socket](int made) {
+      const int yes = 1;
+      setsockopt(made, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+      socket = made;
+    });
+    // A thread serves one connection at a time, and a browser keeps several open.
+    server.new_task_queue = [] { return new httplib::ThreadPool(kThreads); };
+    server.set_keep_alive_max_count(1000);
     server.set_default_headers({{"Content-Security-Policy", kPolicy},
                                 {"X-Content-Type-Options", "nosniff"},
                                 {"Referrer-Policy", "no-referrer"},
@@ -147,14 +176,16 @@ private:
       ApiParams params;
       for (const auto &entry : request.params)
         params.emplace(entry.first, entry.second);
-      answer(response, searchAnswer(settings_.databasePath, params));
+      const TurnGate::Turn turn(searches_);
+      answer(response, searchAnswer(index_, params));
     });
     server.Get(R"(/api/message/([0-9]+))",
                [this](const httplib::Request &request, httplib::Response &response) {
-                 answer(response, messageAnswer(settings_.databasePath, request.matches[1]));
+                 const TurnGate::Turn turn(searches_);
+                 answer(response, messageAnswer(index_, request.matches[1]));
                });
     server.Get("/api/stores", [this](const httplib::Request &, httplib::Response &response) {
-      answer(response, storesAnswer(settings_.databasePath));
+      answer(response, storesAnswer(index_));
     });
     server.Post("/api/index", [this](const httplib::Request &, httplib::Response &response) {
       answer(response, runner_.start()
@@ -173,10 +204,15 @@ private:
 
   const HostSettings settings_;
   const std::string token_;
+  ServedIndex index_;
+  // Twice the processors: a search waits on locks and on reading mailboxes too. Fewer left
+  // processors idle; more made the slowest searches slower.
+  TurnGate searches_{2 * std::thread::hardware_concurrency()};
   IndexRunner runner_;
   httplib::Server ipv4_, ipv6_;
   int port_ = 0;
   bool ipv6Bound_ = false;
+  int ipv4Socket_ = -1, ipv6Socket_ = -1;
 };
 
 bool readPort(const std::string &text, int &port) {

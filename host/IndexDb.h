@@ -155,11 +155,25 @@ public:
   // False with `error` for a query that can't be read, said in the query's words; other
   // errors go to ok()/errorText().
   bool search(const SearchQuery &query, std::vector<SearchHit> &hits, std::string &error);
+  // The hits of the ids of `page`, in its order, without their snippets (HitSnippets.h makes
+  // them from the messages, read again); an id the index no longer holds is left out.
+  bool hitsOf(const std::vector<int64_t> &page, std::vector<SearchHit> &hits, std::string &error);
   // The number of hits of `query`, all of them; -1 with `error` as search() gives it.
   int64_t countHits(const SearchQuery &query, std::string &error);
   // The hits of `query` counted by store and year, in one pass over the matches; empty with
   // `error` as search() gives it.
   std::vector<HitCount> countHitsByStoreAndYear(const SearchQuery &query, std::string &error);
+  // Calls `take` with the id of each row of the full-text table that `query`'s words match
+  // (any other condition is not looked at), in the order of ids, stale rows too; false with
+  // `error` as search() gives it.
+  bool eachTextMatch(const SearchQuery &query, std::string &error,
+                     const std::function<void(int64_t)> &take);
+  // Each agent, then each object in the order of ids with its agent and date, read in one
+  // transaction.
+  void readObjectFacets(const std::function<void(int64_t, const std::string &)> &agent,
+                        const std::function<void(int64_t, int64_t, bool, int64_t)> &object);
+  // Moves on whenever another connection commits.
+  int64_t dataVersion();
   // The connection, whose full-text engine makes snippets.
   sqlite3 *engine() const { return connection_->handle(); }
   bool findObject(int64_t id, IndexedObject &object);

@@ -35,6 +35,14 @@ std::string matching(const SearchQuery &query, bool withPlaces = false) {
   return sql;
 }
 
+// The words of `query` without its exclusions, as one full-text expression.
+std::string wordsWithout(const SearchQuery &query) {
+  std::string match = "(" + query.match + ")";
+  for (const std::string &missing : query.without)
+    match += " NOT (" + missing + ")";
+  return match;
+}
+
 // The order of a search that goes through no page of its own: oldest first, or any without
 // words (by date then).
 const char *orderOf(const SearchQuery &query) {
@@ -145,9 +153,7 @@ std::vector<std::pair<double, int64_t>> IndexDb::rankedHits(const SearchQuery &q
   // Words alone: the full-text table ranks its rows without a look at the objects, which
   // takes longer than the ranking; only the best are looked up, to pass over the rows of
   // removed messages, more of them while too many were such.
-  std::string match = "(" + query.match + ")";
-  for (const std::string &missing : query.without)
-    match += " NOT (" + missing + ")";
+  const std::string match = wordsWithout(query);
   Statement select(*connection_, ("SELECT " + std::string(kRelevance) +
                                   ", rowid FROM texts WHERE texts MATCH ?1 AND rowid "
                                   "BETWEEN ?2 AND ?3 ORDER BY 1, 2 LIMIT ?4")
@@ -204,8 +210,6 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
   std::vector<int64_t> page;
   if (!query.match.empty() && query.order != SearchQuery::Order::Oldest) {
     page = query.order == SearchQuery::Order::Newest ? newestPage(query) : relevancePage(query);
-    if (!queryRead(error))
-      return false;
   } else {
     const std::string sql =
         "SELECT o.id" + matching(query) + orderOf(query) + " LIMIT ?7 OFFSET ?9";
@@ -213,10 +217,13 @@ bool IndexDb::search(const SearchQuery &query, std::vector<SearchHit> &hits, std
     bindQuery(select, query);
     while (select.step())
       page.push_back(select.integer(0));
-    if (!queryRead(error))
-      return false;
   }
-  // Then each hit of the page; its snippet is made from its message, read again.
+  return queryRead(error) && hitsOf(page, hits, error);
+}
+
+bool IndexDb::hitsOf(const std::vector<int64_t> &page, std::vector<SearchHit> &hits,
+                     std::string &error) {
+  hits.clear();
   Statement select(*connection_, R"sql(
     SELECT o.id, a.key, m.path, o.offset, o.length, o.time, o.sender, o.subject, o.date, o.hash
     FROM objects o JOIN mailboxes m ON m.id = o.mailbox JOIN agents a ON a.id = m.agent
@@ -264,6 +271,35 @@ std::vector<HitCount> IndexDb::countHitsByStoreAndYear(const SearchQuery &query,
   if (!queryRead(error))
     counts.clear();
   return counts;
+}
+
+bool IndexDb::eachTextMatch(const SearchQuery &query, std::string &error,
+                            const std::function<void(int64_t)> &take) {
+  Statement select(*connection_, "SELECT rowid FROM texts WHERE texts MATCH ? ORDER BY rowid");
+  select.bind(1, wordsWithout(query));
+  while (select.step())
+    take(select.integer(0));
+  return queryRead(error);
+}
+
+void IndexDb::readObjectFacets(const std::function<void(int64_t, const std::string &)> &agent,
+                               const std::function<void(int64_t, int64_t, bool, int64_t)> &object) {
+  connection_->exec("BEGIN");
+  {
+    Statement agents(*connection_, "SELECT id, key FROM agents");
+    while (agents.step())
+      agent(agents.integer(0), agents.text(1));
+    Statement objects(*connection_, "SELECT o.id, m.agent, o.date FROM objects o "
+                                    "JOIN mailboxes m ON m.id = o.mailbox ORDER BY o.id");
+    while (objects.step())
+      object(objects.integer(0), objects.integer(1), !objects.isNull(2), objects.integer(2));
+  }
+  connection_->exec("COMMIT");
+}
+
+int64_t IndexDb::dataVersion() {
+  Statement select(*connection_, "PRAGMA data_version");
+  return select.step() ? select.integer(0) : 0;
 }
 
 bool IndexDb::findObject(int64_t id, IndexedObject &object) {

@@ -91,30 +91,42 @@ json facetsOf(const std::vector<HitCount> &hitCounts) {
   return {{"stores", counts(stores)}, {"years", counts(years)}};
 }
 
-// Narrows `query` to the store and year of the request; false when no message can match.
-bool applyFilters(IndexDb &db, const ApiParams &params, SearchQuery &query) {
-  const std::string store = param(params, "store"), year = param(params, "year");
-  if (!store.empty()) {
-    for (const StoreStatus &status : db.storeStatus())
-      if (storeName(status.agentKey) == store)
-        query.agentKey = status.agentKey;
-    if (query.agentKey.empty())
-      return false;
-  }
-  if (!year.empty()) {
-    if (year.size() != 4 || year.find_first_not_of("0123456789") != year.npos)
-      return false;
-    const int number = std::atoi(year.c_str());
-    query.dated = true;
-    query.since = std::max<int64_t>(query.since, localMoment(number, 1, 1));
-    query.until = std::min<int64_t>(query.until, localMoment(number + 1, 1, 1) - 1);
-  }
+// The store and year of the request; false when the year is none.
+bool readFilter(const ApiParams &params, HitFilter &filter) {
+  filter.store = param(params, "store");
+  const std::string year = param(params, "year");
+  if (year.empty())
+    return true;
+  if (year.size() != 4 || year.find_first_not_of("0123456789") != year.npos)
+    return false;
+  filter.year = std::atoi(year.c_str());
   return true;
+}
+
+// `query` narrowed to the filter's store (of those `counts` name) and year.
+SearchQuery narrowed(SearchQuery query, const HitFilter &filter,
+                     const std::vector<HitCount> &counts) {
+  for (const HitCount &counted : counts)
+    if (!filter.store.empty() && filterKeeps(filter, counted.agentKey, counted.year))
+      query.agentKey = counted.agentKey;
+  if (filter.year != 0) {
+    query.dated = true;
+    query.since = std::max<int64_t>(query.since, localMoment(filter.year, 1, 1));
+    query.until = std::min<int64_t>(query.until, localMoment(filter.year + 1, 1, 1) - 1);
+  }
+  return query;
 }
 
 } // namespace
 
-ApiAnswer searchAnswer(const std::string &databasePath, const ApiParams &params) {
+void ServedIndex::warm() {
+  std::string error;
+  IndexReaders::Lease db = readers.lease(error);
+  if (db)
+    hits.warm(db);
+}
+
+ApiAnswer searchAnswer(ServedIndex &index, const ApiParams &params) {
   const std::string text = param(params, "q");
   SearchQuery query;
   QueryError problem;
@@ -130,27 +142,28 @@ ApiAnswer searchAnswer(const std::string &databasePath, const ApiParams &params)
   if (!readNumber(params, "offset", 0, query.offset) ||
       !readNumber(params, "limit", 20, query.limit) || query.limit == 0 || query.limit > 1000)
     return failure(400, "offset wants a number of 0 or more, limit one from 1 to 1000");
+  HitFilter filter;
+  if (!readFilter(params, filter))
+    return failure(400, "year wants four digits");
   query.markStart = kMarkStart;
   query.markEnd = kMarkEnd;
   std::string error;
-  const std::unique_ptr<IndexDb> db = IndexDb::open(databasePath, IndexDb::Access::ReadOnly, error);
+  IndexReaders::Lease db = index.readers.lease(error);
   if (!db)
     return failure(503, error);
-  // One pass over the matches counts them for the facets and tells a query SQLite can't read.
-  const std::vector<HitCount> hitCounts = db->countHitsByStoreAndYear(query, error);
-  if (!error.empty())
+  // One pass over the matches counts them for the facets and the total, mostly finds the
+  // page too, and tells a query SQLite can't read.
+  HitTally tally;
+  if (!index.hits.tally(db, query, filter, tally, error))
     return failure(400, "the query can't be read: " + error);
-  PlaceNames places;
-  const json facets = facetsOf(hitCounts);
   std::vector<SearchHit> hits;
-  int64_t total = 0;
-  if (applyFilters(*db, params, query)) {
-    total = db->countHits(query, error);
-    if (total > 0 && db->search(query, hits, error))
-      addSnippets(*db, query, hits);
-  }
+  if (query.offset < tally.total &&
+      (tally.paged ? db->hitsOf(tally.page, hits, error)
+                   : db->search(narrowed(query, filter, tally.counts), hits, error)))
+    addSnippets(*db, query, hits);
   if (!db->ok())
     return failure(500, db->errorText());
+  PlaceNames places;
   json list = json::array();
   for (const SearchHit &hit : hits) {
     const HitPlace place = places.of(hit);
@@ -164,20 +177,20 @@ ApiAnswer searchAnswer(const std::string &databasePath, const ApiParams &params)
                     {"snippet", snippetRuns(hit.snippet)}});
   }
   return {200, jsonText({{"query", text},
-                         {"total", std::max<int64_t>(total, 0)},
+                         {"total", tally.total},
                          {"offset", query.offset},
                          {"limit", query.limit},
                          {"hits", list},
-                         {"facets", facets}})};
+                         {"facets", facetsOf(tally.counts)}})};
 }
 
-ApiAnswer messageAnswer(const std::string &databasePath, const std::string &idText) {
+ApiAnswer messageAnswer(ServedIndex &index, const std::string &idText) {
   SearchQuery query;
   if (!parseObjectId(idText, query.ids.emplace_back()))
     return failure(404, "the index holds no message " + idText);
   const std::string id = std::to_string(query.ids.front());
   std::string error;
-  const std::unique_ptr<IndexDb> db = IndexDb::open(databasePath, IndexDb::Access::ReadOnly, error);
+  IndexReaders::Lease db = index.readers.lease(error);
   if (!db)
     return failure(503, error);
   std::vector<SearchHit> hits;
@@ -215,13 +228,12 @@ ApiAnswer messageAnswer(const std::string &databasePath, const std::string &idTe
                          {"attachments", attachments}})};
 }
 
-ApiAnswer storesAnswer(const std::string &databasePath) {
+ApiAnswer storesAnswer(ServedIndex &index) {
   std::vector<StoreStatus> stores;
   struct stat file;
-  if (stat(databasePath.c_str(), &file) == 0) {
+  if (stat(index.path.c_str(), &file) == 0) {
     std::string error;
-    const std::unique_ptr<IndexDb> db =
-        IndexDb::open(databasePath, IndexDb::Access::ReadOnly, error);
+    IndexReaders::Lease db = index.readers.lease(error);
     if (!db)
       return failure(503, error);
     stores = db->storeStatus();

@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
+#include <sstream>
 #include <sys/wait.h>
 #include <thread>
 
@@ -163,11 +165,123 @@ TEST_F(ServeTest, AnIndexRunReportsItsProgressToEveryStream) {
   const auto started = server.client().Post("/api/index?token=" + server.token, headers, "", "");
   ASSERT_TRUE(started);
   EXPECT_EQ(started->status, 202);
+  // A run takes far longer than a request: the second comes while the first is under way.
+  const auto second = server.client().Post("/api/index?token=" + server.token, headers, "", "");
+  ASSERT_TRUE(second);
+  EXPECT_EQ(second->status, 409);
   listener.join();
   EXPECT_TRUE(holds(events, "event: idle\n"));
   EXPECT_TRUE(holds(events, "event: progress\ndata: {\"mailboxes\":1,\"messages\":3,\"new\":0,"
                             "\"store\":\"eudora\"}"));
   EXPECT_TRUE(holds(events, "event: done\ndata: {\"messages\":3,\"new\":0,"));
+}
+
+// Mail over five years, some sent in the same second, so that pages must break ties as the
+// index does.
+std::vector<TestMessage> yearsOfMail(int count, int first = 0) {
+  std::vector<TestMessage> messages;
+  for (int i = first; i < first + count; ++i) {
+    char date[64];
+    std::snprintf(date, sizeof date, "Sun, %02d Mar %d 10:%02d:00 +0000", 1 + i % 28, 1997 + i % 5,
+                  i % 3 == 0 ? 0 : i % 60);
+    std::string body = "alpha";
+    body += i % 3 == 0 ? " beta" : "";
+    body += i % 7 == 0 ? " gamma" : "";
+    messages.push_back({date, "Sender <s@x>", "r@x", "", "note " + std::to_string(i), body + "\n"});
+  }
+  return messages;
+}
+
+// A Netscape mailbox of the same words, dated by its delimiter lines only: every fifth line's
+// date can't be read, and those messages have none.
+std::string netscapeMail(int count) {
+  std::string mbox;
+  for (int i = 0; i < count; ++i) {
+    char line[64];
+    std::snprintf(line, sizeof line, "From - %s %02d 08:15:00 %d\n",
+                  i % 5 == 2 ? "Tue Xyz" : "Tue Jan", 1 + i % 20, 1998 + i % 3);
+    mbox += line;
+    mbox += "From: Other <o@x>\nSubject: letter " + std::to_string(i) + "\n\nalpha" +
+            (i % 2 == 0 ? " beta" : " gamma") + "\n";
+  }
+  return mbox;
+}
+
+class ServeIndexTest : public HostFixture, public ::testing::Test {
+protected:
+  // The ids of `mhhost search` for the same page.
+  std::vector<std::string> commandLineIds(const std::string &query, const std::string &sort,
+                                          int offset, int year, const std::string &store) {
+    std::vector<std::string> arguments = {
+        "search",  query, "--sort",   sort, "--offset", std::to_string(offset),
+        "--limit", "6",   "--output", "ids"};
+    if (year != 0)
+      arguments.insert(arguments.end(), {"--since", std::to_string(year) + "-01-01", "--until",
+                                         std::to_string(year) + "-12-31"});
+    if (!store.empty())
+      arguments.insert(arguments.begin(), {"--client", store});
+    std::vector<std::string> ids;
+    std::istringstream lines(host(arguments).out);
+    for (std::string line; std::getline(lines, line);)
+      ids.push_back(line);
+    return ids;
+  }
+};
+
+TEST_F(ServeIndexTest, PagesCountsAndFacetsAgreeWithTheIndexItself) {
+  indexMailbox(yearsOfMail(90));
+  writeFile(dir.file("ns/Inbox"), netscapeMail(40));
+  writeFile(dir.file("ns/Inbox.snm"), std::string(64, '\0'));
+  hostOk({"config", "--client", "netscape", "--mail-dir", dir.file("ns"), "--yes"});
+  ASSERT_TRUE(indexed(host({"index", "--client", "netscape"}), "40 new"));
+  const Server server(*this);
+  ASSERT_NE(server.port, 0);
+  for (const std::string query : {"alpha", "alpha NOT beta", "gamma OR beta"})
+    for (const std::string sort : {"newest", "oldest"})
+      for (const std::string store : {"", "netscape"})
+        for (const int year : {0, 1999})
+          for (const int offset : {0, 40, 120}) {
+            const std::string page = "&sort=" + sort + "&offset=" + std::to_string(offset) +
+                                     "&limit=6&store=" + store +
+                                     (year ? "&year=" + std::to_string(year) : "");
+            const json found =
+                server.get("/api/search?q=" + httplib::detail::encode_query_param(query) + page);
+            std::vector<std::string> ids;
+            for (const json &hit : found["hits"])
+              ids.push_back(hit["id"]);
+            const std::string what = query + " " + sort + " " + store + " " + std::to_string(year) +
+                                     " " + std::to_string(offset);
+            EXPECT_EQ(ids, commandLineIds(query, sort, offset, year, store)) << what;
+            // A folder condition leaves the count, facets and page to the index.
+            const json counted =
+                server.get("/api/search?q=" +
+                           httplib::detail::encode_query_param("(" + query + ") folder:In") + page);
+            EXPECT_EQ(counted["facets"], found["facets"]) << what;
+            EXPECT_EQ(counted["total"], found["total"]) << what;
+            EXPECT_EQ(counted["hits"], found["hits"]) << what;
+          }
+}
+
+TEST_F(ServeIndexTest, FollowsIndexRunsAndAnIndexMadeAnew) {
+  indexMailbox(yearsOfMail(20));
+  const Server server(*this);
+  ASSERT_NE(server.port, 0);
+  EXPECT_EQ(server.get("/api/search?q=alpha")["total"], 20);
+  // Another mhhost adds to the index while the server reads it.
+  writeMailbox("eudora", dir.file("mail/In"), yearsOfMail(30));
+  EXPECT_TRUE(indexed(host({"--client", "eudora", "index"}), ""));
+  const json grown = server.get("/api/search?q=alpha&limit=30");
+  EXPECT_EQ(grown["total"], 30);
+  EXPECT_EQ(grown["hits"].size(), 30u);
+  // The index is made anew beside its place and renamed over it.
+  for (const char *suffix : {"", "-wal", "-shm"})
+    std::remove((database + suffix).c_str());
+  writeMailbox("eudora", dir.file("mail/In"), yearsOfMail(10, 100));
+  EXPECT_TRUE(indexed(host({"--client", "eudora", "index"}), ""));
+  const json made = server.get("/api/search?q=alpha&sort=oldest");
+  EXPECT_EQ(made["total"], 10);
+  ASSERT_FALSE(made["hits"].empty());
+  EXPECT_EQ(made["hits"][0]["subject"], "note 100");
 }
 
 } // namespace
