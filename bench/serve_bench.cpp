@@ -128,19 +128,26 @@ private:
   std::string url_;
 };
 
-// The server's resident memory now, in bytes; 0 when it can't be read.
-uint64_t residentBytes(pid_t pid) {
+// The server's resident memory now, in bytes, all of it and its own (without the pages of
+// files it maps, the index's among them, which are the page cache's and shared); zeros when
+// it can't be read.
+struct Resident {
+  uint64_t all = 0, own = 0;
+};
+
+Resident residentBytes(pid_t pid) {
   std::ifstream status("/proc/" + std::to_string(pid) + "/status");
   std::string key;
+  Resident resident;
   while (status >> key) {
-    if (key == "VmRSS:") {
-      uint64_t kilobytes = 0;
-      status >> kilobytes;
-      return kilobytes * 1024;
-    }
+    uint64_t kilobytes = 0;
+    if (key == "VmRSS:" && status >> kilobytes)
+      resident.all = kilobytes * 1024;
+    else if (key == "RssAnon:" && status >> kilobytes)
+      resident.own = kilobytes * 1024;
     status.ignore(1 << 16, '\n');
   }
-  return 0;
+  return resident;
 }
 
 double percentile(const std::vector<double> &sorted, double fraction) {
@@ -196,12 +203,12 @@ int main(int argc, char **argv) {
   std::mutex timesLock;
   std::vector<double> milliseconds;
   std::atomic<bool> running{true};
-  uint64_t firstResident = 0, peakResident = 0, lastResident = 0;
+  Resident firstResident, peakResident, lastResident;
   std::thread sampler([&] {
     while (running.load()) {
-      const uint64_t now = residentBytes(server.pid());
-      firstResident = firstResident ? firstResident : now;
-      peakResident = std::max(peakResident, now);
+      const Resident now = residentBytes(server.pid());
+      firstResident = firstResident.all ? firstResident : now;
+      peakResident = {std::max(peakResident.all, now.all), std::max(peakResident.own, now.own)};
       lastResident = now;
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
@@ -218,14 +225,20 @@ int main(int argc, char **argv) {
       std::vector<double> mine;
       while (next.fetch_add(1) < options.searches) {
         const std::string path = "/api/search?limit=20&token=" + token + "&q=" +
-                                 httplib::detail::encode_query_param(vocabulary.word(rank(random)));
+                                 httplib::detail::encode_query_param(
+                                     // Quoted: "and", "or" and "not" are words here.
+                                     '"' + vocabulary.word(rank(random)) + '"');
         const auto begun = std::chrono::steady_clock::now();
         const auto answer = http.Get(path);
         mine.push_back(
             std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begun)
                 .count());
-        if (!answer || answer->status != 200)
-          errors.fetch_add(1);
+        if (!answer || answer->status != 200) {
+          if (errors.fetch_add(1) == 0)
+            std::fprintf(stderr, "serve_bench: the first error: %s %s\n", path.c_str(),
+                         answer ? (std::to_string(answer->status) + " " + answer->body).c_str()
+                                : httplib::to_string(answer.error()).c_str());
+        }
       }
       const std::lock_guard<std::mutex> hold(timesLock);
       milliseconds.insert(milliseconds.end(), mine.begin(), mine.end());
@@ -245,7 +258,11 @@ int main(int argc, char **argv) {
   std::printf("latency ms: p50 %.1f  p90 %.1f  p99 %.1f  max %.1f   (target p99 < 100)\n",
               percentile(milliseconds, 0.50), percentile(milliseconds, 0.90),
               percentile(milliseconds, 0.99), milliseconds.empty() ? 0.0 : milliseconds.back());
-  std::printf("server resident MB: first %.1f  peak %.1f  last %.1f\n", megabytes(firstResident),
-              megabytes(peakResident), megabytes(lastResident));
+  std::printf("server resident MB: first %.1f  peak %.1f  last %.1f\n",
+              megabytes(firstResident.all), megabytes(peakResident.all),
+              megabytes(lastResident.all));
+  std::printf("  of it its own, not the mapped index: first %.1f  peak %.1f  last %.1f\n",
+              megabytes(firstResident.own), megabytes(peakResident.own),
+              megabytes(lastResident.own));
   return errors.load() == 0 ? 0 : 1;
 }
