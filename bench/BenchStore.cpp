@@ -96,3 +96,27 @@ PeerStore prepareStore(Client client, const char *kind, const char *label, Corpu
   }
   return store;
 }
+
+bool StoreOptions::take(BenchArguments &arguments) {
+  const std::string &arg = arguments.current();
+  if (arg == "--messages")
+    messages = std::strtoull(arguments.value().c_str(), nullptr, 10);
+  else if (arg == "--dir")
+    dir = arguments.value();
+  else if (arg == "--keep")
+    keep = true;
+  else if (arg == "--mhhost")
+    mhhost = arguments.value();
+  else
+    return false;
+  return true;
+}
+
+void StoreOptions::settle(const char *bench, const std::string &self) {
+  if (dir.empty()) {
+    const char *tmp = std::getenv("TMPDIR");
+    dir = std::string(tmp && *tmp ? tmp : "/tmp") + "/" + bench;
+  }
+  if (mhhost.empty())
+    mhhost = directoryOf(self) + "/mhhost";
+}

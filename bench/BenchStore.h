@@ -2,12 +2,26 @@
 // and the registry that points the agent at it.
 #pragma once
 
+#include "bench/BenchHost.h"
 #include "bench/RealCorpus.h"
 #include "bench/StoreWriter.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
+
+// What a whole-store benchmark is told of its store: its size, where it goes, whether it is
+// kept for the next run, and the mhhost that indexes it.
+struct StoreOptions {
+  uint64_t messages = 100000;
+  std::string dir;
+  bool keep = false;
+  std::string mhhost;
+  // Takes the current argument and its value when it is one of these; false when not.
+  bool take(BenchArguments &arguments);
+  // What was not given: $TMPDIR/`bench`, and the mhhost beside this program (`self`).
+  void settle(const char *bench, const std::string &self);
+};
 
 struct PeerStore {
   std::string home; // the store's folder: its mail, indexes and settings

@@ -41,12 +41,9 @@ constexpr unsigned kGrowth = 1000;
 constexpr Client kClient = Client::Netscape;
 
 struct Options {
-  uint64_t messages = 100000;
+  StoreOptions store;
   uint64_t mimeMessages = 0;
   int repeat = 3;
-  std::string dir;
-  bool keep = false;
-  std::string mhhost;
   bool skipMairix = false;
 };
 
@@ -61,18 +58,12 @@ Options parseOptions(int argc, char **argv) {
   while (arguments.next()) {
     const std::string &arg = arguments.current();
     const auto value = [&arguments] { return arguments.value(); };
-    if (arg == "--messages")
-      options.messages = std::strtoull(value().c_str(), nullptr, 10);
-    else if (arg == "--mime")
+    if (options.store.take(arguments))
+      continue;
+    if (arg == "--mime")
       options.mimeMessages = std::strtoull(value().c_str(), nullptr, 10);
     else if (arg == "--repeat")
       options.repeat = std::max(1, std::atoi(value().c_str()));
-    else if (arg == "--dir")
-      options.dir = value();
-    else if (arg == "--keep")
-      options.keep = true;
-    else if (arg == "--mhhost")
-      options.mhhost = value();
     else if (arg == "--skip-mairix")
       options.skipMairix = true;
     else if (arg == "--help" || arg == "-h") {
@@ -81,7 +72,7 @@ Options parseOptions(int argc, char **argv) {
     } else
       usage(("unknown option: " + arg).c_str());
   }
-  if (options.messages == 0)
+  if (options.store.messages == 0)
     usage("--messages must be more than 0");
   return options;
 }
@@ -345,8 +336,8 @@ void measure(PeerStore &store, const std::vector<Tool *> &tools, const Options &
   printSummary(tools, store);
   for (const Tool *tool : tools)
     if (tool->name == "mhhost" && grow)
-      measureQueries(options.mhhost, store.registry, tool->database, clientFormat(kClient).name,
-                     realQueryWords());
+      measureQueries(options.store.mhhost, store.registry, tool->database,
+                     clientFormat(kClient).name, realQueryWords());
   if (grow)
     measureGrowth(store, tools, self);
 }
@@ -356,23 +347,18 @@ void measure(PeerStore &store, const std::vector<Tool *> &tools, const Options &
 int main(int argc, char **argv) {
   Options options = parseOptions(argc, argv);
   const std::string self = selfPath("peer_bench");
-  if (options.mhhost.empty())
-    options.mhhost = directoryOf(self) + "/mhhost";
-  if (!isExecutable(options.mhhost)) {
+  options.store.settle("peer_bench", self);
+  if (!isExecutable(options.store.mhhost)) {
     std::fprintf(stderr, "peer_bench: no mhhost at %s (build it, or name it with --mhhost)\n",
-                 options.mhhost.c_str());
+                 options.store.mhhost.c_str());
     return 1;
-  }
-  if (options.dir.empty()) {
-    const char *tmp = std::getenv("TMPDIR");
-    options.dir = std::string(tmp && *tmp ? tmp : "/tmp") + "/peer_bench";
   }
   const std::string mairix = options.skipMairix ? std::string() : findOnPath("mairix");
 
   std::printf("peer_bench: %ld cores, load average %s\n", ::sysconf(_SC_NPROCESSORS_ONLN),
               loadAverage().c_str());
-  std::printf("mhhost: %s (%s)\n", options.mhhost.c_str(),
-              firstLine(runProcess({options.mhhost, "--version"}, {}, true).output).c_str());
+  std::printf("mhhost: %s (%s)\n", options.store.mhhost.c_str(),
+              firstLine(runProcess({options.store.mhhost, "--version"}, {}, true).output).c_str());
   if (!mairix.empty())
     std::printf("mairix: %s (%s)\n", mairix.c_str(),
                 firstLine(runProcess({mairix, "-V"}, {}, true).output).c_str());
@@ -382,7 +368,7 @@ int main(int argc, char **argv) {
     std::printf("mairix: not found on PATH (apt-get install mairix); mhhost alone\n");
   std::printf("stores and indexes in %s; %d round(s), the tools taking turns at going first; "
               "the mail files read right before each index run\n",
-              options.dir.c_str(), options.repeat);
+              options.store.dir.c_str(), options.repeat);
   std::printf("searches: mhhost search --limit 20 WORD (newest first, a page with snippets); "
               "mairix -r WORD (every match's path); both look in the body and the major "
               "headers\n");
@@ -392,25 +378,25 @@ int main(int argc, char **argv) {
     Corpus corpus;
     uint64_t messages;
   };
-  std::vector<Kind> kinds = {{"real", "real-shaped store", Corpus::Real, options.messages}};
+  std::vector<Kind> kinds = {{"real", "real-shaped store", Corpus::Real, options.store.messages}};
   if (options.mimeMessages)
     kinds.push_back({"mime", "MIME-heavy store", Corpus::Mime, options.mimeMessages});
   for (const Kind &kind : kinds) {
     PeerStore store = prepareStore(kClient, kind.name, kind.label, kind.corpus, kind.messages,
-                                   options.dir, options.keep);
+                                   options.store.dir, options.store.keep);
     std::vector<Tool> owned;
     if (!mairix.empty())
       owned.push_back(mairixTool(mairix, store));
-    owned.push_back(mhhostTool(options.mhhost, store));
+    owned.push_back(mhhostTool(options.store.mhhost, store));
     std::vector<Tool *> tools;
     for (Tool &tool : owned)
       tools.push_back(&tool);
     measure(store, tools, options, self, kind.corpus == Corpus::Real);
-    if (!options.keep)
+    if (!options.store.keep)
       removeTree(store.home);
   }
   std::printf("\nload average at the end: %s\n", loadAverage().c_str());
-  if (!options.keep)
-    ::rmdir(options.dir.c_str());
+  if (!options.store.keep)
+    ::rmdir(options.store.dir.c_str());
   return 0;
 }

@@ -38,12 +38,9 @@ const char kUsage[] =
     "  --mhhost PATH  the reference host (mhhost beside this program)\n";
 
 struct Options {
-  uint64_t messages = 100000;
+  StoreOptions store;
   int clients = 50;
   int searches = 2000;
-  std::string dir;
-  bool keep = false;
-  std::string mhhost;
 };
 
 [[noreturn]] void usage(const char *problem) {
@@ -56,18 +53,12 @@ Options parseOptions(int argc, char **argv) {
   BenchArguments arguments(argc, argv, usage);
   while (arguments.next()) {
     const std::string &arg = arguments.current();
-    if (arg == "--messages")
-      options.messages = std::strtoull(arguments.value().c_str(), nullptr, 10);
-    else if (arg == "--clients")
+    if (options.store.take(arguments))
+      continue;
+    if (arg == "--clients")
       options.clients = std::max(1, std::atoi(arguments.value().c_str()));
     else if (arg == "--searches")
       options.searches = std::max(1, std::atoi(arguments.value().c_str()));
-    else if (arg == "--dir")
-      options.dir = arguments.value();
-    else if (arg == "--keep")
-      options.keep = true;
-    else if (arg == "--mhhost")
-      options.mhhost = arguments.value();
     else
       usage(("unknown option: " + arg).c_str());
   }
@@ -161,19 +152,15 @@ double percentile(const std::vector<double> &sorted, double fraction) {
 
 int main(int argc, char **argv) {
   Options options = parseOptions(argc, argv);
-  if (options.dir.empty()) {
-    const char *tmp = std::getenv("TMPDIR");
-    options.dir = std::string(tmp && *tmp ? tmp : "/tmp") + "/serve_bench";
-  }
-  if (options.mhhost.empty())
-    options.mhhost = directoryOf(selfPath(argv[0])) + "/mhhost";
+  options.store.settle("serve_bench", selfPath(argv[0]));
+  const StoreOptions &given = options.store;
   const Client client = Client::Netscape;
-  PeerStore store = prepareStore(client, "real", "Real-shaped mail", Corpus::Real, options.messages,
-                                 options.dir, options.keep);
+  PeerStore store = prepareStore(client, "real", "Real-shaped mail", Corpus::Real, given.messages,
+                                 given.dir, given.keep);
   const std::string database = store.home + "/mhhost.db";
-  const std::vector<std::string> common = {
-      options.mhhost, "--client", clientFormat(client).name, "--registry", store.registry,
-      "--db",         database};
+  const std::vector<std::string> common = {given.mhhost, "--client",     clientFormat(client).name,
+                                           "--registry", store.registry, "--db",
+                                           database};
   std::vector<std::string> index = common;
   index.push_back("index");
   const ProcessRun indexed = runProcess(index, {}, false);
