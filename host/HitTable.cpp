@@ -106,28 +106,59 @@ bool filterKeeps(const HitFilter &filter, const std::string &agentKey, int year)
 
 namespace {
 
-// The first `offset` + `limit` of `hits` (date, id) in the order of `query`, as the index
-// orders them: by date, then id, messages without a date last.
-std::vector<int64_t> pageOf(std::vector<std::pair<int64_t, int64_t>> &hits,
-                            const SearchQuery &query) {
-  const bool oldest = query.order == SearchQuery::Order::Oldest;
-  if (oldest)
-    for (auto &hit : hits)
-      hit.first = hit.first == IndexDb::kNoDate ? std::numeric_limits<int64_t>::max() : hit.first;
-  const size_t offset = static_cast<size_t>(query.offset);
-  const size_t end = std::min(hits.size(), offset + static_cast<size_t>(query.limit));
-  std::vector<int64_t> page;
-  if (offset >= end)
-    return page;
-  const auto middle = hits.begin() + static_cast<ptrdiff_t>(end);
-  if (oldest)
-    std::partial_sort(hits.begin(), middle, hits.end());
-  else
-    std::partial_sort(hits.begin(), middle, hits.end(), std::greater<>());
-  for (size_t i = offset; i < end; ++i)
-    page.push_back(hits[i].second);
-  return page;
-}
+// The first `offset` + `limit` hits of a query in its order, as the index orders them: by
+// date, then id, messages without a date last. Only that many are kept while the hits come,
+// in a heap whose top is the one to go first.
+class PageOfHits {
+public:
+  explicit PageOfHits(const SearchQuery &query)
+      : oldest_(query.order == SearchQuery::Order::Oldest),
+        offset_(static_cast<size_t>(query.offset)),
+        kept_(offset_ + static_cast<size_t>(query.limit)) {}
+
+  void add(int64_t date, int64_t id) {
+    // Oldest first puts the undated last: they sort as the latest date there is.
+    const std::pair<int64_t, int64_t> hit(
+        oldest_ && date == IndexDb::kNoDate ? std::numeric_limits<int64_t>::max() : date, id);
+    if (heap_.size() < kept_) {
+      heap_.push_back(hit);
+      push();
+    } else if (oldest_ ? hit < heap_.front() : hit > heap_.front()) {
+      pop();
+      heap_.back() = hit;
+      push();
+    }
+  }
+
+  std::vector<int64_t> page() {
+    if (oldest_)
+      std::sort_heap(heap_.begin(), heap_.end());
+    else
+      std::sort_heap(heap_.begin(), heap_.end(), std::greater<>());
+    std::vector<int64_t> ids;
+    for (size_t i = offset_; i < heap_.size(); ++i)
+      ids.push_back(heap_[i].second);
+    return ids;
+  }
+
+private:
+  void push() {
+    if (oldest_)
+      std::push_heap(heap_.begin(), heap_.end());
+    else
+      std::push_heap(heap_.begin(), heap_.end(), std::greater<>());
+  }
+  void pop() {
+    if (oldest_)
+      std::pop_heap(heap_.begin(), heap_.end());
+    else
+      std::pop_heap(heap_.begin(), heap_.end(), std::greater<>());
+  }
+
+  const bool oldest_;
+  const size_t offset_, kept_;
+  std::vector<std::pair<int64_t, int64_t>> heap_; // date, id
+};
 
 } // namespace
 
@@ -148,11 +179,11 @@ bool HitTable::tally(IndexReaders::Lease &db, const SearchQuery &query, const Hi
   std::vector<int64_t> counts(buckets);
   std::vector<char> kept(buckets);
   for (size_t bucket = 0; bucket < buckets; ++bucket)
-    kept[bucket] = filterKeeps(filter, table->bucketNames[bucket].first,
-                               table->bucketNames[bucket].second);
+    kept[bucket] =
+        filterKeeps(filter, table->bucketNames[bucket].first, table->bucketNames[bucket].second);
   tally.paged = query.match.empty() || query.order != SearchQuery::Order::Relevance;
   const std::vector<Snapshot::Object> &objects = table->objects;
-  std::vector<std::pair<int64_t, int64_t>> hits; // date, id
+  PageOfHits page(query);
   const auto take = [&](size_t object) {
     const int64_t date = objects[object].date;
     if (query.dated && (date == IndexDb::kNoDate || date < query.since || date > query.until))
@@ -160,7 +191,7 @@ bool HitTable::tally(IndexReaders::Lease &db, const SearchQuery &query, const Hi
     const uint32_t bucket = objects[object].bucket;
     ++counts[bucket];
     if (kept[bucket] && tally.paged)
-      hits.emplace_back(date, objects[object].id);
+      page.add(date, objects[object].id);
   };
   if (query.match.empty()) {
     for (size_t object = 0; object < objects.size(); ++object)
@@ -177,10 +208,9 @@ bool HitTable::tally(IndexReaders::Lease &db, const SearchQuery &query, const Hi
       const auto end =
           objects.begin() + static_cast<ptrdiff_t>(std::min(from + step, objects.size()));
       from = static_cast<size_t>(
-          std::lower_bound(objects.begin() + static_cast<ptrdiff_t>(from), end, id,
-                           [](const Snapshot::Object &object, int64_t sought) {
-                             return object.id < sought;
-                           }) -
+          std::lower_bound(
+              objects.begin() + static_cast<ptrdiff_t>(from), end, id,
+              [](const Snapshot::Object &object, int64_t sought) { return object.id < sought; }) -
           objects.begin());
       if (from < objects.size() && objects[from].id == id)
         take(from);
@@ -196,6 +226,6 @@ bool HitTable::tally(IndexReaders::Lease &db, const SearchQuery &query, const Hi
     tally.total += kept[bucket] ? counts[bucket] : 0;
   }
   if (tally.paged)
-    tally.page = pageOf(hits, query);
+    tally.page = page.page();
   return true;
 }
