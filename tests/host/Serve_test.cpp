@@ -237,7 +237,7 @@ TEST_F(ServeIndexTest, PagesCountsAndFacetsAgreeWithTheIndexItself) {
   const Server server(*this);
   ASSERT_NE(server.port, 0);
   for (const std::string query : {"alpha", "alpha NOT beta", "gamma OR beta"})
-    for (const std::string sort : {"newest", "oldest"})
+    for (const std::string sort : {"newest", "oldest", "relevance"})
       for (const std::string store : {"", "netscape"})
         for (const int year : {0, 1999})
           for (const int offset : {0, 40, 120}) {
