@@ -93,6 +93,14 @@ TEST_F(ServeTest, GuardsEveryRequestAndServesOnlyItsOwnFiles) {
       {host, "", "GET", "//etc/passwd", 404, true},
       {host, "", "GET", "/index.html", 404, true},
       {host, "", "GET", "/api/message/1/../1", 404, true},
+      {host, "", "GET", "/api/message/99999999999999999999", 404, true},
+      {host, "", "GET", "/api/search?q=garden&offset=999999999&limit=1000", 200, true},
+      {host, "", "GET", "/api/search?q=garden&offset=-1", 400, true},
+      {host, "", "GET", "/api/search?q=garden&limit=0", 400, true},
+      {host, "", "GET", "/api/search?q=garden&limit=1001", 400, true},
+      {host, "", "GET", "/api/search?q=garden&sort=sideways", 400, true},
+      {host, "", "GET", "/api/search?q=garden&year=19x9", 400, true},
+      {host, "", "GET", "/api/search?q=garden&year=0000&store=%00", 200, true},
   };
   for (const Case &test : cases) {
     std::string path = test.path;
