@@ -249,24 +249,24 @@ TEST_F(ServeIndexTest, PagesCountsAndFacetsAgreeWithTheIndexItself) {
       for (const std::string store : {"", "netscape"})
         for (const int year : {0, 1999})
           for (const int offset : {0, 40, 120}) {
-            const std::string page = "&sort=" + sort + "&offset=" + std::to_string(offset) +
-                                     "&limit=6&store=" + store +
-                                     (year ? "&year=" + std::to_string(year) : "");
+            char page[128];
+            std::snprintf(page, sizeof page, "&sort=%s&offset=%d&limit=6&store=%s&year=%.0d",
+                          sort.c_str(), offset, store.c_str(), year);
+            SCOPED_TRACE(query + page);
             const json found =
                 server.get("/api/search?q=" + httplib::detail::encode_query_param(query) + page);
             std::vector<std::string> ids;
             for (const json &hit : found["hits"])
               ids.push_back(hit["id"]);
-            const std::string what = query + " " + sort + " " + store + " " + std::to_string(year) +
-                                     " " + std::to_string(offset);
-            EXPECT_EQ(ids, commandLineIds(query, sort, offset, year, store)) << what;
+            EXPECT_EQ(ids, commandLineIds(query, sort, offset, year, store));
             // A folder condition leaves the count, facets and page to the index.
             const json counted =
                 server.get("/api/search?q=" +
-                           httplib::detail::encode_query_param("(" + query + ") folder:In") + page);
-            EXPECT_EQ(counted["facets"], found["facets"]) << what;
-            EXPECT_EQ(counted["total"], found["total"]) << what;
-            EXPECT_EQ(counted["hits"], found["hits"]) << what;
+                           httplib::detail::encode_query_param("(" + query + ") folder:In") +
+                           std::string(page));
+            EXPECT_EQ(counted["facets"], found["facets"]);
+            EXPECT_EQ(counted["total"], found["total"]);
+            EXPECT_EQ(counted["hits"], found["hits"]);
           }
 }
 
