@@ -27,8 +27,9 @@ IndexReaders::Lease::~Lease() {
 
 void IndexReaders::refresh() {
   struct stat status;
-  const FileIdentity now =
-      stat(path_.c_str(), &status) == 0 ? FileIdentity{status.st_dev, status.st_ino} : FileIdentity{};
+  const FileIdentity now = stat(path_.c_str(), &status) == 0
+                               ? FileIdentity{status.st_dev, status.st_ino}
+                               : FileIdentity{};
   if (!(now == identity_) || !watch_) {
     identity_ = now;
     idle_.clear();
