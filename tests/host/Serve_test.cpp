@@ -7,9 +7,12 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <sstream>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -169,12 +172,16 @@ TEST_F(ServeTest, AnIndexRunReportsItsProgressToEveryStream) {
   });
   while (events.empty())
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  // Another mhhost index holds the index: the run started waits for it, and a second is
+  // refused while the first is under way.
+  const int otherRun = ::open((database + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_EQ(flock(otherRun, LOCK_EX), 0);
   const httplib::Headers headers = {{"X-Tuk-Token", server.token}};
   const auto started = server.client().Post("/api/index?token=" + server.token, headers, "", "");
   ASSERT_TRUE(started);
   EXPECT_EQ(started->status, 202);
-  // A run takes far longer than a request: the second comes while the first is under way.
   const auto second = server.client().Post("/api/index?token=" + server.token, headers, "", "");
+  ::close(otherRun);
   ASSERT_TRUE(second);
   EXPECT_EQ(second->status, 409);
   listener.join();
