@@ -4,6 +4,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <mutex>
 
@@ -12,6 +13,12 @@ public:
   explicit TurnGate(unsigned width) : free_(width == 0 ? 1 : width) {}
   TurnGate(const TurnGate &) = delete;
   TurnGate &operator=(const TurnGate &) = delete;
+
+  // Callers waiting for their turn.
+  size_t waiting() {
+    const std::lock_guard<std::mutex> hold(lock_);
+    return waiting_.size();
+  }
 
   // Holds a place from its making until its end.
   class Turn {

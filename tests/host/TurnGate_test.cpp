@@ -14,6 +14,13 @@ namespace {
 
 using std::chrono::milliseconds;
 
+// Until `done` holds, for at most ten seconds.
+template <typename Done> bool waitFor(Done done) {
+  for (int tries = 0; tries < 10000 && !done(); ++tries)
+    std::this_thread::sleep_for(milliseconds(1));
+  return done();
+}
+
 TEST(TurnGateTest, CallersGoInTheOrderTheyCame) {
   TurnGate gate(1);
   std::mutex orderLock;
@@ -28,10 +35,11 @@ TEST(TurnGateTest, CallersGoInTheOrderTheyCame) {
         order.push_back(i);
       });
       // Each caller in line before the next one comes.
-      std::this_thread::sleep_for(milliseconds(20));
+      if (!waitFor([&] { return gate.waiting() == static_cast<size_t>(i) + 1; })) {
+        ADD_FAILURE() << "caller " << i << " never waited";
+        break;
+      }
     }
-    const std::lock_guard<std::mutex> hold(orderLock);
-    EXPECT_TRUE(order.empty());
   }
   for (std::thread &caller : callers)
     caller.join();
@@ -41,16 +49,22 @@ TEST(TurnGateTest, CallersGoInTheOrderTheyCame) {
 TEST(TurnGateTest, NoMoreAtOnceThanItsWidth) {
   TurnGate gate(2);
   std::atomic<int> inside{0}, most{0};
+  std::atomic<bool> released{false};
   std::vector<std::thread> callers;
-  for (int i = 0; i < 6; ++i)
+  for (int i = 0; i < 4; ++i)
     callers.emplace_back([&] {
       const TurnGate::Turn turn(gate);
       const int now = ++inside;
       for (int seen = most.load(); now > seen && !most.compare_exchange_weak(seen, now);)
         ;
-      std::this_thread::sleep_for(milliseconds(20));
+      waitFor([&] { return released.load(); });
       --inside;
     });
+  // Two are in and stay; the others wait however long it takes.
+  EXPECT_TRUE(waitFor([&] { return inside.load() == 2 && gate.waiting() == 2; }));
+  std::this_thread::sleep_for(milliseconds(50));
+  EXPECT_EQ(inside.load(), 2);
+  released = true;
   for (std::thread &caller : callers)
     caller.join();
   EXPECT_EQ(most.load(), 2);
