@@ -176,24 +176,27 @@ std::vector<std::pair<double, int64_t>> IndexDb::rankedHits(const SearchQuery &q
 }
 
 std::vector<int64_t> IndexDb::relevancePage(const SearchQuery &query) {
-  // bm25 scores every match: the ids are halved, the upper half scored on a thread with a
-  // connection of its own. Both read the same table, so the scores are the ones a single
-  // pass gives (the weights of words come from the whole table).
+  // bm25 scores every match: unless told not to, the ids are halved, the upper half scored on
+  // a thread with a connection of its own. Both read the same table, so the scores are the
+  // ones a single pass gives (the weights of words come from the whole table).
   int64_t lastId = 0;
   {
     Statement select(*connection_, "SELECT max(id) FROM objects");
     lastId = select.step() ? select.integer(0) : 0;
   }
-  const int64_t middle = lastId / 2;
+  const int64_t middle = rankingSplit_ ? lastId / 2 : lastId;
   std::vector<std::pair<double, int64_t>> upper;
-  std::thread other([&] {
-    std::string ignored;
-    const std::unique_ptr<IndexDb> db = IndexDb::open(path_, Access::ReadOnly, ignored);
-    if (db)
-      upper = db->rankedHits(query, middle + 1, lastId);
-  });
+  std::thread other;
+  if (rankingSplit_)
+    other = std::thread([&] {
+      std::string ignored;
+      const std::unique_ptr<IndexDb> db = IndexDb::open(path_, Access::ReadOnly, ignored);
+      if (db)
+        upper = db->rankedHits(query, middle + 1, lastId);
+    });
   std::vector<std::pair<double, int64_t>> hits = rankedHits(query, 0, middle);
-  other.join();
+  if (other.joinable())
+    other.join();
   hits.insert(hits.end(), upper.begin(), upper.end());
   std::sort(hits.begin(), hits.end());
   std::vector<int64_t> page;

@@ -52,11 +52,13 @@ void IndexReaders::refresh() {
 IndexReaders::Lease IndexReaders::lease(std::string &error) {
   std::unique_ptr<IndexDb> db;
   uint64_t generation = 0, file = 0;
+  bool alone = false;
   {
     const std::lock_guard<std::mutex> hold(lock_);
     refresh();
     generation = generation_;
     file = file_;
+    alone = leased_++ == 0;
     if (!idle_.empty()) {
       db = std::move(idle_.back());
       idle_.pop_back();
@@ -66,11 +68,18 @@ IndexReaders::Lease IndexReaders::lease(std::string &error) {
   // memory once per connection; they are the page cache's all the same.
   if (!db)
     db = IndexDb::open(path_, IndexDb::Access::ReadOnly, error);
+  if (!db) {
+    const std::lock_guard<std::mutex> hold(lock_);
+    --leased_;
+    return Lease(this, nullptr, generation, file);
+  }
+  db->setRankingSplit(alone);
   return Lease(this, std::move(db), generation, file);
 }
 
 void IndexReaders::giveBack(std::unique_ptr<IndexDb> db, uint64_t file) {
   const std::lock_guard<std::mutex> hold(lock_);
+  --leased_;
   // One opened before the file was replaced reads the old file still; one left in an error
   // would answer every later request with it.
   if (file == file_ && db->ok() && idle_.size() < kIdleKept)

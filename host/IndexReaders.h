@@ -41,7 +41,9 @@ public:
     uint64_t generation_, file_;
   };
 
-  // A connection; an empty lease with `error` when the index can't be opened.
+  // A connection; an empty lease with `error` when the index can't be opened. It ranks by
+  // relevance on a second thread only while no other lease is out: beside other searches,
+  // that thread would take its processor from them.
   Lease lease(std::string &error);
 
 private:
@@ -65,5 +67,6 @@ private:
   int64_t dataVersion_ = 0;
   uint64_t generation_ = 0;
   uint64_t file_ = 0; // moves on when path_ names another file
+  size_t leased_ = 0;
   std::vector<std::unique_ptr<IndexDb>> idle_;
 };
