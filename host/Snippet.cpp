@@ -111,14 +111,18 @@ SnippetMaker::~SnippetMaker() {
 }
 
 bool SnippetMaker::matches(const char *token, int size, const std::string &column) const {
-  const std::string_view folded(token, static_cast<size_t>(size));
+  // The query's words are folded; ASCII letters of the text are folded here, and a folded
+  // token's are lower case already.
+  const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+  const size_t length = static_cast<size_t>(size);
   for (const Word &word : words_) {
-    // Most tokens of a text are no word of the query: their size or first byte tells.
-    const size_t length = word.text.size();
-    if (folded.size() < length || (!word.prefix && folded.size() != length) ||
-        (length > 0 && folded[0] != word.text[0]))
+    const size_t wanted = word.text.size();
+    if (length < wanted || (!word.prefix && length != wanted))
       continue;
-    if (folded.compare(0, length, word.text) == 0 && (word.column.empty() || word.column == column))
+    size_t same = 0;
+    while (same < wanted && folded(token[same]) == word.text[same])
+      ++same;
+    if (same == wanted && (word.column.empty() || word.column == column))
       return true;
   }
   return false;
@@ -129,9 +133,14 @@ std::string SnippetMaker::snippet(const std::string &text, const std::string &co
     return std::string();
   std::vector<Token> tokens;
   tokens.reserve(text.size() / 6); // about a word's length and a blank
-  tokenize(text, FTS5_TOKENIZE_DOCUMENT, [&](const char *token, int size, int start, int end) {
-    tokens.push_back(Token{start, end, matches(token, size, column)});
-  });
+  if (std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; }))
+    eachAsciiWord(text, [&](int start, int end) {
+      tokens.push_back(Token{start, end, matches(text.data() + start, end - start, column)});
+    });
+  else
+    tokenize(text, FTS5_TOKENIZE_DOCUMENT, [&](const char *token, int size, int start, int end) {
+      tokens.push_back(Token{start, end, matches(token, size, column)});
+    });
   // The first window with the most marked words.
   size_t best = 0, bestCount = 0, count = 0;
   for (size_t i = 0; i < tokens.size(); ++i) {

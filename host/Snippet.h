@@ -5,8 +5,33 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <string>
 #include <vector>
+
+// Calls `take` with where each word of `text`, which must be ASCII, starts and ends, as the
+// index's tokenizer splits it: runs of letters and digits (which it folds to lower case). A
+// word at a time through the tokenizer took most of a snippet's time.
+template <typename Take> void eachAsciiWord(const std::string &text, Take take) {
+  static constexpr auto kWordBytes = [] {
+    std::array<bool, 256> bytes{};
+    for (int c = 0; c < 256; ++c)
+      bytes[c] = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    return bytes;
+  }();
+  const auto isWord = [](char c) { return kWordBytes[static_cast<unsigned char>(c)]; };
+  const size_t size = text.size();
+  for (size_t at = 0;;) {
+    while (at < size && !isWord(text[at]))
+      ++at;
+    const size_t start = at;
+    while (at < size && isWord(text[at]))
+      ++at;
+    if (at == start)
+      return;
+    take(static_cast<int>(start), static_cast<int>(at));
+  }
+}
 
 class SnippetMaker {
 public:
@@ -28,6 +53,7 @@ private:
     bool matches;
   };
   template <typename Take> void tokenize(const std::string &text, int flags, Take take) const;
+  // Whether a word of the text, folded or ASCII in any case, is one of the query's.
   bool matches(const char *token, int size, const std::string &column) const;
 
   fts5_tokenizer api_ = {};
