@@ -273,8 +273,8 @@ int main(int argc, char **argv) {
   std::printf("latency ms: p50 %.1f  p90 %.1f  p99 %.1f  max %.1f   (target p99 < 100)\n",
               percentile(milliseconds, 0.50), percentile(milliseconds, 0.90),
               percentile(milliseconds, 0.99), milliseconds.empty() ? 0.0 : milliseconds.back());
-  std::printf("a fixed loop on one processor: %.0f ms before the run, %.0f ms after (slower: "
-              "other programs shared the processors)\n",
+  std::printf("a fixed loop on one processor: %.0f ms before the run, %.0f ms after (it takes "
+              "longer while other programs share the processors)\n",
               loopBefore, loopAfter);
   std::printf("server resident MB: first %.1f  at a tenth %.1f  peak %.1f  last %.1f\n",
               megabytes(firstResident.all), megabytes(tenthResident.all),
