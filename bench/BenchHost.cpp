@@ -2,6 +2,7 @@
 #include "bench/BenchHost.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <ftw.h>
 #include <limits.h>
 #include <unistd.h>
@@ -48,8 +49,24 @@ std::string loadAverage() {
   return line;
 }
 
+bool BenchArguments::next() {
+  if (++at_ >= argc_)
+    return false;
+  current_ = argv_[at_];
+  if (current_ == "--help" || current_ == "-h") {
+    std::fputs(usage_, stdout);
+    std::exit(0);
+  }
+  return true;
+}
+
 std::string BenchArguments::value() {
   if (at_ + 1 >= argc_)
-    usage_((current_ + " needs a value").c_str());
+    fail(current_ + " needs a value");
   return argv_[++at_];
+}
+
+void BenchArguments::fail(const std::string &problem) const {
+  std::fprintf(stderr, "%s: %s\n%s", program_, problem.c_str(), usage_);
+  std::exit(2);
 }

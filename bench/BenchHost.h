@@ -4,22 +4,26 @@
 
 #include <string>
 
-// A benchmark's command line, an argument at a time.
+// A benchmark's command line, an argument at a time. `--help` and `-h` print the usage and
+// end the program.
 class BenchArguments {
 public:
-  // `usage` reports a problem and ends the program.
-  BenchArguments(int argc, char **argv, void (*usage)(const char *problem))
-      : argc_(argc), argv_(argv), usage_(usage) {}
+  // `program` names the benchmark in its messages; `usage` is its usage text.
+  BenchArguments(int argc, char **argv, const char *program, const char *usage)
+      : argc_(argc), argv_(argv), program_(program), usage_(usage) {}
   // Moves to the next argument; false after the last.
-  bool next() { return ++at_ < argc_ && (current_ = argv_[at_], true); }
+  bool next();
   const std::string &current() const { return current_; }
   // The value that follows the current option.
   std::string value();
+  // Says `problem` and the usage, and ends the program with status 2.
+  [[noreturn]] void fail(const std::string &problem) const;
 
 private:
   int argc_;
   char **argv_;
-  void (*usage_)(const char *);
+  const char *program_;
+  const char *usage_;
   int at_ = 0;
   std::string current_;
 };

@@ -47,14 +47,9 @@ struct Options {
   bool skipMairix = false;
 };
 
-[[noreturn]] void usage(const char *problem) {
-  std::fprintf(stderr, "peer_bench: %s\n%s", problem, kUsage);
-  std::exit(2);
-}
-
 Options parseOptions(int argc, char **argv) {
   Options options;
-  BenchArguments arguments(argc, argv, usage);
+  BenchArguments arguments(argc, argv, "peer_bench", kUsage);
   while (arguments.next()) {
     const std::string &arg = arguments.current();
     const auto value = [&arguments] { return arguments.value(); };
@@ -66,14 +61,11 @@ Options parseOptions(int argc, char **argv) {
       options.repeat = std::max(1, std::atoi(value().c_str()));
     else if (arg == "--skip-mairix")
       options.skipMairix = true;
-    else if (arg == "--help" || arg == "-h") {
-      std::fputs(kUsage, stdout);
-      std::exit(0);
-    } else
-      usage(("unknown option: " + arg).c_str());
+    else
+      arguments.fail("unknown option: " + arg);
   }
   if (options.store.messages == 0)
-    usage("--messages must be more than 0");
+    arguments.fail("--messages must be more than 0");
   return options;
 }
 

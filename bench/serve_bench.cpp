@@ -46,14 +46,9 @@ struct Options {
   std::string sort = "newest";
 };
 
-[[noreturn]] void usage(const char *problem) {
-  std::fprintf(stderr, "serve_bench: %s\n%s", problem, kUsage);
-  std::exit(2);
-}
-
 Options parseOptions(int argc, char **argv) {
   Options options;
-  BenchArguments arguments(argc, argv, usage);
+  BenchArguments arguments(argc, argv, "serve_bench", kUsage);
   while (arguments.next()) {
     const std::string &arg = arguments.current();
     if (options.store.take(arguments))
@@ -65,7 +60,7 @@ Options parseOptions(int argc, char **argv) {
     else if (arg == "--searches")
       options.searches = std::max(1, std::atoi(arguments.value().c_str()));
     else
-      usage(("unknown option: " + arg).c_str());
+      arguments.fail("unknown option: " + arg);
   }
   return options;
 }

@@ -57,12 +57,7 @@ struct Options {
   std::string mhhost;
 };
 
-[[noreturn]] void usage(const char *problem) {
-  std::fprintf(stderr, "store_bench: %s\n%s", problem, kUsage);
-  std::exit(2);
-}
-
-std::vector<Client> parseClients(const std::string &list) {
+std::vector<Client> parseClients(const std::string &list, const BenchArguments &arguments) {
   std::vector<Client> clients;
   size_t begin = 0;
   while (begin <= list.size()) {
@@ -76,7 +71,7 @@ std::vector<Client> parseClients(const std::string &list) {
       }
     }
     if (!known)
-      usage(("unknown client: " + name).c_str());
+      arguments.fail("unknown client: " + name);
     begin = comma + 1;
   }
   return clients;
@@ -84,7 +79,7 @@ std::vector<Client> parseClients(const std::string &list) {
 
 Options parseOptions(int argc, char **argv) {
   Options options;
-  BenchArguments arguments(argc, argv, usage);
+  BenchArguments arguments(argc, argv, "store_bench", kUsage);
   while (arguments.next()) {
     const std::string &arg = arguments.current();
     const auto value = [&arguments] { return arguments.value(); };
@@ -95,7 +90,7 @@ Options parseOptions(int argc, char **argv) {
     else if (arg == "--mime")
       options.mimeMessages = static_cast<int64_t>(std::strtoull(value().c_str(), nullptr, 10));
     else if (arg == "--clients")
-      options.clients = parseClients(value());
+      options.clients = parseClients(value(), arguments);
     else if (arg == "--repeat")
       options.repeat = std::max(1, std::atoi(value().c_str()));
     else if (arg == "--slow-repeat")
@@ -103,7 +98,7 @@ Options parseOptions(int argc, char **argv) {
     else if (arg == "--first-read") {
       const std::string who = value();
       if (who != "agent" && who != "cat")
-        usage("--first-read takes agent or cat");
+        arguments.fail("--first-read takes agent or cat");
       options.agentReadsFirst = who == "agent";
     } else if (arg == "--dir")
       options.dir = value();
@@ -113,11 +108,8 @@ Options parseOptions(int argc, char **argv) {
       options.verify = true;
     else if (arg == "--mhhost")
       options.mhhost = value();
-    else if (arg == "--help" || arg == "-h") {
-      std::fputs(kUsage, stdout);
-      std::exit(0);
-    } else
-      usage(("unknown option: " + arg).c_str());
+    else
+      arguments.fail("unknown option: " + arg);
   }
   if (options.mimeMessages < 0)
     options.mimeMessages = static_cast<int64_t>(options.everydayMessages);
