@@ -5,7 +5,6 @@
 #include "host/TimeText.h"
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <map>
 #include <unordered_map>
@@ -108,7 +107,7 @@ namespace {
 
 // The first `offset` + `limit` hits of a query in its order, as the index orders them: by
 // date, then id, messages without a date last. Only that many are kept while the hits come,
-// in a heap whose top is the one to go first.
+// in a heap whose top is the last of them in that order, the one to go first.
 class PageOfHits {
 public:
   explicit PageOfHits(const SearchQuery &query)
@@ -118,23 +117,20 @@ public:
 
   void add(int64_t date, int64_t id) {
     // Oldest first puts the undated last: they sort as the latest date there is.
-    const std::pair<int64_t, int64_t> hit(
-        oldest_ && date == IndexDb::kNoDate ? std::numeric_limits<int64_t>::max() : date, id);
+    const Hit hit(oldest_ && date == IndexDb::kNoDate ? std::numeric_limits<int64_t>::max() : date,
+                  id);
     if (heap_.size() < kept_) {
       heap_.push_back(hit);
-      push();
-    } else if (oldest_ ? hit < heap_.front() : hit > heap_.front()) {
-      pop();
+      std::push_heap(heap_.begin(), heap_.end(), before_);
+    } else if (before_(hit, heap_.front())) {
+      std::pop_heap(heap_.begin(), heap_.end(), before_);
       heap_.back() = hit;
-      push();
+      std::push_heap(heap_.begin(), heap_.end(), before_);
     }
   }
 
   std::vector<int64_t> page() {
-    if (oldest_)
-      std::sort_heap(heap_.begin(), heap_.end());
-    else
-      std::sort_heap(heap_.begin(), heap_.end(), std::greater<>());
+    std::sort_heap(heap_.begin(), heap_.end(), before_);
     std::vector<int64_t> ids;
     for (size_t i = offset_; i < heap_.size(); ++i)
       ids.push_back(heap_[i].second);
@@ -142,22 +138,17 @@ public:
   }
 
 private:
-  void push() {
-    if (oldest_)
-      std::push_heap(heap_.begin(), heap_.end());
-    else
-      std::push_heap(heap_.begin(), heap_.end(), std::greater<>());
-  }
-  void pop() {
-    if (oldest_)
-      std::pop_heap(heap_.begin(), heap_.end());
-    else
-      std::pop_heap(heap_.begin(), heap_.end(), std::greater<>());
-  }
+  using Hit = std::pair<int64_t, int64_t>; // date, id
+  // Whether one hit comes before another on the page.
+  struct Before {
+    bool oldest;
+    bool operator()(const Hit &a, const Hit &b) const { return oldest ? a < b : a > b; }
+  };
 
   const bool oldest_;
+  const Before before_{oldest_};
   const size_t offset_, kept_;
-  std::vector<std::pair<int64_t, int64_t>> heap_; // date, id
+  std::vector<Hit> heap_;
 };
 
 } // namespace
@@ -197,19 +188,13 @@ bool HitTable::tally(IndexReaders::Lease &db, const SearchQuery &query, const Hi
     for (size_t object = 0; object < objects.size(); ++object)
       take(object);
   } else {
-    // The matches come in the order of ids: each is sought from the last one on, in steps
-    // that double, so a common word costs a step or two a match. A row whose object is gone
-    // is in no bucket.
+    // The matches come in the order of ids: each is sought from the last one on. A row whose
+    // object is gone is in no bucket.
     size_t from = 0;
     const bool read = db->eachTextMatch(query, error, [&](int64_t id) {
-      size_t step = 1;
-      while (from + step < objects.size() && objects[from + step].id < id)
-        step *= 2;
-      const auto end =
-          objects.begin() + static_cast<ptrdiff_t>(std::min(from + step, objects.size()));
       from = static_cast<size_t>(
           std::lower_bound(
-              objects.begin() + static_cast<ptrdiff_t>(from), end, id,
+              objects.begin() + static_cast<ptrdiff_t>(from), objects.end(), id,
               [](const Snapshot::Object &object, int64_t sought) { return object.id < sought; }) -
           objects.begin());
       if (from < objects.size() && objects[from].id == id)
