@@ -3,12 +3,10 @@
 #include "platform/FilesFaults.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TestFiles.h"
-#include <atomic>
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -215,33 +213,4 @@ TEST_F(RegistryTest, ASecondWriteRefusedAtAnyStepLeavesTheFirstWhole) {
   }
 }
 
-// mhhost serve reads values on its request threads while its index run writes them on
-// another: a read sees a whole file, and writers on two threads both keep their values.
-TEST_F(RegistryTest, ThreadsReadAndWriteBesideEachOtherWithoutLosingAValue) {
-  ASSERT_NE(0, SetRegValue(kKey, "MailPath", CString("/mail/0")));
-  std::atomic<int> writersLeft{2}, torn{0};
-  std::vector<std::thread> threads;
-  for (const char *prefix : {"A", "B"})
-    threads.emplace_back([&, prefix] {
-      for (int i = 0; i < 30; ++i) {
-        const std::string name = prefix + std::to_string(i);
-        EXPECT_NE(0, SetRegValue(kKey, name.c_str(), i));
-        EXPECT_NE(0, SetRegValue(kKey, "MailPath", CString(("/mail/" + name).c_str())));
-      }
-      --writersLeft;
-    });
-  for (int reader = 0; reader < 2; ++reader)
-    threads.emplace_back([&] {
-      do {
-        if (readString(kKey, "MailPath").rfind("/mail/", 0) != 0)
-          ++torn;
-      } while (writersLeft > 0);
-    });
-  for (std::thread &thread : threads)
-    thread.join();
-  EXPECT_EQ(torn.load(), 0);
-  for (const char *prefix : {"A", "B"})
-    for (int i = 0; i < 30; ++i)
-      EXPECT_EQ(readNumber(kKey, (prefix + std::to_string(i)).c_str()), i) << prefix << i;
-}
 } // namespace
