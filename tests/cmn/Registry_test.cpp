@@ -212,5 +212,4 @@ TEST_F(RegistryTest, ASecondWriteRefusedAtAnyStepLeavesTheFirstWhole) {
     EXPECT_FALSE(fileExists(registry_ + ".tmp"));
   }
 }
-
 } // namespace
