@@ -19,7 +19,8 @@ bool IndexRunner::start() {
   if (running_)
     return false;
   running_ = true;
-  runStart_ = events_.size();
+  ++run_;
+  events_.clear();
   if (thread_.joinable())
     thread_.join(); // the last run's, which has ended
   thread_ = std::thread([this] { run(); });
@@ -73,11 +74,16 @@ std::string IndexRunner::next(Cursor &cursor, std::chrono::seconds wait) {
   std::unique_lock<std::mutex> lock(mutex_);
   if (!cursor.started) {
     cursor.started = true;
-    cursor.seen = running_ ? runStart_ : events_.size();
+    cursor.run = run_;
+    cursor.seen = running_ ? 0 : events_.size();
     if (!running_)
       return "event: idle\ndata: {}\n\n";
   }
-  changed_.wait_for(lock, wait, [&] { return events_.size() > cursor.seen; });
+  changed_.wait_for(lock, wait, [&] { return cursor.run != run_ || events_.size() > cursor.seen; });
+  if (cursor.run != run_) {
+    cursor.run = run_;
+    cursor.seen = 0;
+  }
   std::string text;
   for (; cursor.seen < events_.size(); ++cursor.seen)
     text += events_[cursor.seen];

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -26,6 +27,7 @@ public:
   // A listener's place in the events; a new one starts with the run under way, or `idle`.
   struct Cursor {
     bool started = false;
+    uint64_t run = 0;
     size_t seen = 0;
   };
   // The events past `cursor`, as event-stream text; waits up to `wait` for one, and gives a
@@ -39,8 +41,10 @@ private:
   HostSettings settings_;
   std::mutex mutex_;
   std::condition_variable changed_;
-  std::vector<std::string> events_; // of every run since the server started
-  size_t runStart_ = 0;             // the first event of the last run
+  // Those of the last run only, so that a server that runs for weeks does not keep them all;
+  // a listener still behind on a run when the next starts misses the rest of it.
+  std::vector<std::string> events_;
+  uint64_t run_ = 0; // the last run's number, from 1
   bool running_ = false;
   std::thread thread_;
 };
